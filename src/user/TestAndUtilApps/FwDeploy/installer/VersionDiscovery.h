@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+
+#include "FwDeploy.h"
+
+// Asking one part what it is and what it runs. Each query adds at most one location to the installer, and says on
+// standard error when the part's board has a function revision that no row of the part table covers. An undecodable board
+// is an `errorException`.
+
+/// A host card's flash. Adds nothing, silently, when the card is absent.
+void QueryFlashPart(Installer& installer, VeltraSpecificHelper& helper, const char* name, const char* id,
+                    std::uint32_t expected);
+
+/// A host card's Karvel CPLD. Adds nothing, silently, when the card is absent, and when the first card's artwork is too
+/// old for a Karvel file that is selected: the part then does not exist for this run.
+void QueryKarvelPart(Installer& installer, VeltraSpecificHelper& helper, const char* name, const char* id,
+                     std::uint32_t expected);
+
+/// The three numbers of a board's part number; those that a short text lacks keep these values.
+struct BoardPartNumber {
+  std::int32_t first = 9999;
+  std::int32_t second = 99999;
+  std::int32_t third = 99;
+};
+
+/// Reads the part number out of a board's VPD. Returns 0, 1 for a null argument, 5 when the board's VPD cannot be had for
+/// whatever reason, or why the field could not be read (`VpdStatus`). `numbers` is only written on success.
+std::int32_t ReadBoardPartNumber(WyvrelHelper* helper, const char* board, BoardPartNumber* numbers);

@@ -1,0 +1,3 @@
+#include "FwDeploy.h"
+
+int main(int argc, char** argv) { return FwDeployMain(argc, argv); }
