@@ -82,18 +82,21 @@ void PrintClosingWords(std::int32_t result) {
 }  // namespace
 
 Installer::~Installer() {
-  while (locationCount_ > 0) locations_[static_cast<std::size_t>(--locationCount_)].reset();
-  while (descriptionCount_ > 0) descriptions_[static_cast<std::size_t>(--descriptionCount_)].reset();
+  while (locationCount_ > 0)
+    locations_[static_cast<std::size_t>(--locationCount_)].reset();
+  while (descriptionCount_ > 0)
+    descriptions_[static_cast<std::size_t>(--descriptionCount_)].reset();
 }
 
 void Installer::AddPartDescriptions() {
-  for (const PartRow& row : kPartRows) AddPartDescription(row);
+  for (const PartRow& row : kPartRows)
+    AddPartDescription(row);
 }
 
 void Installer::AddPartDescription(const PartRow& row) {
   if (static_cast<std::size_t>(descriptionCount_) >= kCapacity) throw errorException("Too many part descriptions");
-  std::unique_ptr<PartDescription> part(new (std::nothrow) PartDescription{
-      row.name, row.id, row.minMajor, row.minMinor, row.maxMajor, row.maxMinor, row.fileName});
+  std::unique_ptr<PartDescription> part(new (std::nothrow) PartDescription{row.name, row.id, row.minMajor, row.minMinor,
+                                                                           row.maxMajor, row.maxMinor, row.fileName});
   if (!part) throw errorException("Out of memory constructing PartDescription");
   descriptions_[static_cast<std::size_t>(descriptionCount_++)] = std::move(part);
 }
@@ -331,7 +334,8 @@ int FwDeployMain(int argc, const char* const* argv) {
       argc = 2;
       argv = kDefaultArguments;
     }
-    for (int at = 1; at < argc;) at += installer.ParseOption(argc - at, argv + at);
+    for (int at = 1; at < argc;)
+      at += installer.ParseOption(argc - at, argv + at);
     if (installer.hardwareNamed == 0) installer.useVeltra = installer.useOrboQx = 1;
 
     if (installer.useVeltra != 0) veltra = CreateWyvrelHelper(OpenMode::kHostCards);
@@ -346,7 +350,8 @@ int FwDeployMain(int argc, const char* const* argv) {
     result = static_cast<std::int32_t>(installer.InstallParts(hostCards, morvak.get()));
   } catch (const errorException& failure) {
     std::fflush(stdout);
-    std::fprintf(stderr, "FwDeploy failed: %s File: %s Line: %" PRId32 "\n", failure.what(), failure.file, failure.line);
+    std::fprintf(stderr, "FwDeploy failed: %s File: %s Line: %" PRId32 "\n", failure.what(), failure.file,
+                 failure.line);
     result = -1;
   }
   veltra.reset();

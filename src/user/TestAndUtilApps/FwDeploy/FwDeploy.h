@@ -9,8 +9,8 @@
 #include "parts/PartTable.h"
 #include "WyvrelHelper.h"
 
-/// The whole program: options, discovery, version table, install loop, closing words. Returns the exit code: the mask of
-/// `Installer::InstallParts`, or -1 after a failure that it has told on standard error.
+/// The whole program: options, discovery, version table, install loop, closing words. Returns the exit code: the mask
+/// of `Installer::InstallParts`, or -1 after a failure that it has told on standard error.
 int FwDeployMain(int argc, const char* const* argv);
 
 /// The options of a run, the parts that can be installed, and the parts that were found.
@@ -43,19 +43,21 @@ class Installer {
   /// Adds the 28 rows of the part table.
   void AddPartDescriptions();
   void AddPartDescription(const PartRow& row);
-  /// Adds a location for every row of this name and id whose revision range holds major.minor. Returns whether there was
-  /// one. `suffixText` may be null; one of nothing but "0", " " and "." is dropped, and 30 characters are kept.
+  /// Adds a location for every row of this name and id whose revision range holds major.minor. Returns whether there
+  /// was one. `suffixText` may be null; one of nothing but "0", " " and "." is dropped, and 30 characters are kept.
   bool RegisterPartLocation(const char* name, const char* id, std::int32_t major, std::int32_t minor,
                             std::uint32_t current, const char* suffixText, std::uint32_t expected);
 
   /// Prints one line for each location that is shown, and tells a front end.
   void PrintVersionTable() const;
-  /// Programs the locations that are selected and that the rules allow, in order of discovery. Either helper may be null:
-  /// a location only exists where its helper does.
+  /// Programs the locations that are selected and that the rules allow, in order of discovery. Either helper may be
+  /// null: a location only exists where its helper does.
   std::uint32_t InstallParts(VeltraSpecificHelper* veltra, WyvrelHelper* morvak);
 
   std::int32_t descriptionCount() const { return descriptionCount_; }
-  const PartDescription& description(std::int32_t index) const { return *descriptions_[static_cast<std::size_t>(index)]; }
+  const PartDescription& description(std::int32_t index) const {
+    return *descriptions_[static_cast<std::size_t>(index)];
+  }
   std::int32_t locationCount() const { return locationCount_; }
   const PartLocation& location(std::int32_t index) const { return *locations_[static_cast<std::size_t>(index)]; }
 

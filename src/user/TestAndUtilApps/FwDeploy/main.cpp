@@ -1,3 +1,5 @@
 #include "FwDeploy.h"
 
-int main(int argc, char** argv) { return FwDeployMain(argc, argv); }
+int main(int argc, char** argv) {
+  return FwDeployMain(argc, argv);
+}

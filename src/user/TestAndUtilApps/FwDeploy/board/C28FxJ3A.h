@@ -81,14 +81,15 @@ class C28FxJ3A {
   bool ReadIdentity(FlashIdentity& record);
 
   /// Erases the block at `wordAddress`, a multiple of `kBlockWords` inside the device: all its bits become 1. Waits at
-  /// most 2000 ms for the chip to become ready and 2000 ms for the erase.
+  /// most 2000 ms for the chip to become ready and 2000 ms for the erase; after a failure, twice 2000 ms more.
   ///
   /// Returns false for another address (its status was cleared and nothing erased), when the chip did not finish in
   /// time, and for an error that its status did not show before; `eraseReport` says which, and the block's content is
   /// then unknown. Ends in read status mode, after a failure without recovery as `ClearStatus` leaves it.
   bool EraseBlock(std::uint32_t wordAddress);
   /// Programs the 16 words at `words` to `wordAddress`, a multiple of `kRunWords` inside the device. Waits at most
-  /// 2000 ms for the chip to become ready, 50 ms for its write buffer and 50 ms for completion. Does not read back.
+  /// 2000 ms for the chip to become ready, 50 ms for its write buffer and 50 ms for completion, 2000 ms more after a
+  /// success and twice that after a failure. Does not read back.
   ///
   /// Returns false for another address (the chip's status was cleared and nothing programmed), when the chip did not
   /// answer in time, and for any status but 0x80; `programReport` says which, and the words of the run are then

@@ -4,8 +4,8 @@
 #include <cstdio>
 
 /// The one shape of a download: what differs between kinds of target when a file is sent to one. `DownloadDriver` calls
-/// the operations in the order in which they stand here, for one file only. All of them fail by `errorException`, with the
-/// target left as the failed step left it.
+/// the operations in the order in which they stand here, for one file only. All of them fail by `errorException`, with
+/// the target left as the failed step left it.
 class DownloadHelper {
  public:
   explicit DownloadHelper(std::uint32_t chunkSizeBytes) : chunkSize(chunkSizeBytes) {}

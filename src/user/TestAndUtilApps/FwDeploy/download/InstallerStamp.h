@@ -8,8 +8,8 @@
 
 class C28FxJ3A;
 
-// The record that an install leaves behind in a host card's flash: who installed what and when, the file's version, and,
-// at the very end of the image area, where that record is. A card's version is read from it.
+// The record that an install leaves behind in a host card's flash: who installed what and when, the file's version,
+// and, at the very end of the image area, where that record is. A card's version is read from it.
 //
 // Byte offsets in the image area's top block of 128 KiB:
 //

@@ -15,7 +15,8 @@ namespace {
 constexpr char kWriteFailed[] = "Error writing Zerin flash ROM";
 
 void PutLittleEndian(std::uint8_t* at, std::uint32_t value) {
-  for (int byte = 0; byte < 4; ++byte) at[byte] = static_cast<std::uint8_t>(value >> 8 * byte);
+  for (int byte = 0; byte < 4; ++byte)
+    at[byte] = static_cast<std::uint8_t>(value >> 8 * byte);
 }
 
 /// The version in a header copy: the four digits behind its tag. A copy that is too short for them has version 0.
@@ -35,8 +36,7 @@ std::uint32_t ZerinHelper::GetPayloadOffset(std::FILE* file, const char* fileNam
   std::uint32_t headerLength = 0;
   const bool hasLength = ReadRbiHeaderLength(file, headerLength);
   const std::int64_t copyLength = std::int64_t{headerLength} - kRbiBytesBeforeCopy;
-  const std::string text =
-      FormatInstallerStamp(fileName, platform::Current().files(), platform::Current().clock());
+  const std::string text = FormatInstallerStamp(fileName, platform::Current().files(), platform::Current().clock());
   const std::int64_t stampEnd = kStampEnd - static_cast<std::int64_t>(text.size()) - copyLength;
   // The stamp starts on a word, and stays inside its block whatever the file says.
   if (!hasLength || copyLength < 0 || stampEnd < 0) throw errorException("RBI file header is not usable");
@@ -56,7 +56,9 @@ std::uint32_t ZerinHelper::GetPayloadOffset(std::FILE* file, const char* fileNam
   return headerLength;
 }
 
-void ZerinHelper::StartDownload(std::uint32_t) { currentByte_ = baseWord_ * 2; }
+void ZerinHelper::StartDownload(std::uint32_t) {
+  currentByte_ = baseWord_ * 2;
+}
 
 void ZerinHelper::DownloadChunk(const std::uint8_t* data, std::uint32_t lengthBytes) {
   if (lengthBytes > kImageBlockBytes) throw errorException(kWriteFailed);

@@ -8,8 +8,8 @@
 
 class C28FxJ3A;
 
-/// Programs an image into a host card's parallel flash, from the bottom of the image area upward, and the installer stamp
-/// last. A run that stops before leaves the old stamp or none, never a new one over half an image.
+/// Programs an image into a host card's parallel flash, from the bottom of the image area upward, and the installer
+/// stamp last. A run that stops before leaves the old stamp or none, never a new one over half an image.
 ///
 /// An image that is too long is not noticed before it reaches the end of the flash.
 class ZerinHelper : public DownloadHelper {
@@ -33,6 +33,6 @@ class ZerinHelper : public DownloadHelper {
 
   C28FxJ3A* const flash_;
   const std::uint32_t baseWord_;
-  Block block_{};               ///< the top block as it will be in flash
+  Block block_{};              ///< the top block as it will be in flash
   std::uint32_t currentByte_;  ///< byte address of the next block, in flash
 };

@@ -5,8 +5,8 @@
 #include "FwDeploy.h"
 
 // Asking one part what it is and what it runs. Each query adds at most one location to the installer, and says on
-// standard error when the part's board has a function revision that no row of the part table covers. An undecodable board
-// is an `errorException`.
+// standard error when the part's board has a function revision that no row of the part table covers. An undecodable
+// board is an `errorException`.
 
 /// A host card's flash. Adds nothing, silently, when the card is absent.
 void QueryFlashPart(Installer& installer, VeltraSpecificHelper& helper, const char* name, const char* id,
@@ -24,6 +24,6 @@ struct BoardPartNumber {
   std::int32_t third = 99;
 };
 
-/// Reads the part number out of a board's VPD. Returns 0, 1 for a null argument, 5 when the board's VPD cannot be had for
-/// whatever reason, or why the field could not be read (`VpdStatus`). `numbers` is only written on success.
+/// Reads the part number out of a board's VPD. Returns 0, 1 for a null argument, 5 when the board's VPD cannot be had
+/// for whatever reason, or why the field could not be read (`VpdStatus`). `numbers` is only written on success.
 std::int32_t ReadBoardPartNumber(WyvrelHelper* helper, const char* board, BoardPartNumber* numbers);

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-// What a graphical front end is told while the installer runs. The front end is looked up anew for every record; without
-// one nothing happens, and nothing that goes wrong here is reported. Sending waits for the receiver.
+// What a graphical front end is told while the installer runs. The front end is looked up anew for every record;
+// without one nothing happens, and nothing that goes wrong here is reported. Sending waits for the receiver.
 //
 // All records are little-endian; text fields have 260 bytes and are cut to 259 characters and a terminator.
 

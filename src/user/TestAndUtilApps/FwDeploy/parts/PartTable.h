@@ -11,15 +11,15 @@ struct PartDescription {
   std::int32_t minMinor;
   std::int32_t maxMajor;
   std::int32_t maxMinor;
-  const char* fileName;     ///< relative to the working directory; an option can put another in its place
-  std::uint8_t show = 0;    ///< takes part in the version table
-  std::uint8_t load = 0;    ///< is selected for installing
+  const char* fileName;   ///< relative to the working directory; an option can put another in its place
+  std::uint8_t show = 0;  ///< takes part in the version table
+  std::uint8_t load = 0;  ///< is selected for installing
 };
 
 /// A part that was found on the hardware in this run.
 struct PartLocation {
   PartDescription* part;
-  std::int32_t major;      ///< board function revision found
+  std::int32_t major;  ///< board function revision found
   std::int32_t minor;
   std::uint32_t current;   ///< version now on the part
   char suffix[32];         ///< decoration behind `current`, with its dash; empty if none
