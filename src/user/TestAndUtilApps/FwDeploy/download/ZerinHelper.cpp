@@ -47,9 +47,7 @@ std::uint32_t ZerinHelper::GetPayloadOffset(std::FILE* file, const char* fileNam
   std::memcpy(block_.data() + stampOffset, text.c_str(), text.size() + 1);
   std::uint8_t* const copy = block_.data() + stampOffset + text.size() + 1;
   // The file stands behind the header length, where the copy begins. What it lacks stays zero.
-  std::fseek(file, kRbiBytesBeforeCopy, SEEK_SET);
-  const std::size_t copied = std::fread(copy, 1, static_cast<std::size_t>(copyLength), file);
-  std::fill(copy + copied, copy + copyLength, std::uint8_t{0});
+  static_cast<void>(std::fread(copy, 1, static_cast<std::size_t>(copyLength), file));
 
   PutLittleEndian(block_.data() + kVersionWordOffset, VersionInCopy(copy, copyLength) | kStampFormatBits);
   PutLittleEndian(block_.data() + kStampLocationOffset, stampOffset + kTopBlockOffset);

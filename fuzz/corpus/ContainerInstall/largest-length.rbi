@@ -1,0 +1,1 @@
+ORBO.RBIÿÿÿÿR1161;BLMX

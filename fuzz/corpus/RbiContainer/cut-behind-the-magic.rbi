@@ -1,0 +1,1 @@
+ORBO.RBI

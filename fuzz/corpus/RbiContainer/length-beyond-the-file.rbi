@@ -1,0 +1,1 @@
+ORBO.RBIÿÿÿÿR-001;BLMXS:abc

@@ -1,0 +1,91 @@
+#include "simulator/Bench.h"
+
+#include <utility>
+
+#include "simulator/FlashImage.h"
+
+namespace simulator {
+namespace {
+
+/// The Karvel's revision is bits 16 to 23 of its version word.
+std::uint16_t KarvelRevision(std::uint32_t versionWord) {
+  return static_cast<std::uint16_t>(versionWord >> 16 & 0xFF);
+}
+
+void AddErrors(std::vector<std::string>& texts, const ProtocolErrors& errors) {
+  texts.insert(texts.end(), errors.texts().begin(), errors.texts().end());
+  const std::uint64_t left = errors.total() - errors.texts().size();
+  if (left > 0) texts.push_back("and " + std::to_string(left) + " more");
+}
+
+}  // namespace
+
+Bench::Bench(BenchState state) : clock_(state.clockNanoseconds), platform_(clock_) {
+  for (std::size_t i = 0; i < cards_.size(); ++i) {
+    if (!state.cards[i]) continue;
+    const Board& board = *kHostCards[i];
+    cards_[i] = std::make_unique<HostCard>(board, *std::move(state.cards[i]), clock_);
+    platform_.devices().Add(board.interfaceClass, std::string(board.devicePath), *cards_[i]);
+  }
+}
+
+HostCard* Bench::card(const Board& board) {
+  for (const auto& card : cards_)
+    if (card != nullptr && &card->board() == &board) return card.get();
+  return nullptr;
+}
+
+void Bench::UseFaults(FaultPlan* faults) {
+  for (const auto& card : cards_)
+    if (card != nullptr) card->UseFaults(faults);
+}
+
+void Bench::PowerCycle() {
+  for (const auto& card : cards_)
+    if (card != nullptr) card->state().PowerCycle(clock_.NowNanoseconds());
+}
+
+BenchState Bench::Copy() const {
+  BenchState state;
+  state.clockNanoseconds = clock_.NowNanoseconds();
+  for (std::size_t i = 0; i < cards_.size(); ++i)
+    if (cards_[i] != nullptr) state.cards[i] = std::as_const(*cards_[i]).state();
+  return state;
+}
+
+BenchState Bench::State() const {
+  BenchState state = Copy();
+  for (auto& card : state.cards)
+    if (card) card->flash.Settle();
+  return state;
+}
+
+BenchState Bench::StateAfterPowerLoss() const {
+  BenchState state = Copy();
+  for (auto& card : state.cards)
+    if (card) card->PowerCycle(state.clockNanoseconds);
+  return state;
+}
+
+std::vector<PartRow> Bench::Rows() const {
+  return RowsOf(State());
+}
+
+std::vector<PartRow> RowsOf(const BenchState& state) {
+  std::vector<PartRow> rows;
+  for (std::size_t i = 0; i < state.cards.size(); ++i) {
+    if (!state.cards[i]) continue;
+    const HostCardState& card = *state.cards[i];
+    const std::string name(kHostCards[i]->name);
+    PartRow flash{name, card.flashRunning, StoredVersion(card.flash.memory()), {}};
+    AddErrors(flash.errors, card.errors);
+    AddErrors(flash.errors, card.flash.errors());
+    rows.push_back(std::move(flash));
+    // The Karvel of a card goes by the card's first letter.
+    rows.push_back(
+        {name.substr(0, 1) + "karvel", KarvelRevision(card.karvelRunning), KarvelRevision(card.karvelStored), {}});
+  }
+  return rows;
+}
+
+}  // namespace simulator

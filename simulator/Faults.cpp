@@ -1,0 +1,81 @@
+#include "simulator/Faults.h"
+
+#include <charconv>
+#include <stdexcept>
+
+namespace simulator {
+namespace {
+
+constexpr FaultEntry kFaults[] = {
+    {Fault::kDeviceMissing, "device-missing", "enumerations of a device interface", "the device is not there", false},
+    {Fault::kClassSetFails, "class-set-fails", "requests for a set of devices", "the set is invalid", false},
+    {Fault::kInterfaceDetailFails, "interface-detail-fails", "requests for a device's path", "the request fails",
+     false},
+    {Fault::kOpenFails, "open-fails", "openings of a device", "the opening fails", false},
+    {Fault::kControlFails, "control-fails", "control calls", "the call fails", false},
+    {Fault::kMemoryMapFails, "memory-map-fails", "memory map calls", "the call fails", false},
+    {Fault::kMemoryMapShort, "memory-map-short", "memory map calls", "the call returns one byte less", false},
+    {Fault::kMapRegistersFails, "map-registers-fails", "register mapping calls", "the call fails", false},
+    {Fault::kMapRegistersShort, "map-registers-short", "register mapping calls", "the call returns one byte less",
+     false},
+    {Fault::kMapRefused, "map-refused", "register mapping calls", "the address comes back as zero", false},
+    {Fault::kMapRefusedSecond, "map-refused-second", "register mapping calls", "the second value comes back as zero",
+     false},
+    {Fault::kReadLost, "read-lost", "register reads", "the read gives all ones, and the board does not see it", false},
+    {Fault::kWriteLost, "write-lost", "register writes", "the write does not arrive", false},
+    {Fault::kEraseFails, "erase-fails", "flash block erases", "the erase ends with its error bit, the block all zeros",
+     false},
+    {Fault::kEraseStuck, "erase-stuck", "flash block erases", "the chip never becomes ready again", false},
+    {Fault::kBufferBusy, "buffer-busy", "requests for the flash's write buffer",
+     "the buffer stays taken, however often the request is repeated", false},
+    {Fault::kProgramFails, "program-fails", "flash programs",
+     "the program ends with its error bit, half of its words done", false},
+    {Fault::kProgramStuck, "program-stuck", "flash programs", "the chip never becomes ready again", false},
+    {Fault::kPowerCut, "power-cut", "register writes",
+     "the run ends before the write, as by a pulled plug; needs its @N", true},
+};
+
+static_assert(std::size(kFaults) == static_cast<std::size_t>(Fault::kPowerCut) + 1, "one row for each fault");
+
+std::string Quoted(std::string_view text) {
+  return "\"" + std::string(text) + "\"";
+}
+
+const FaultEntry& FindFault(std::string_view name) {
+  for (const FaultEntry& entry : kFaults)
+    if (entry.name == name) return entry;
+  throw std::invalid_argument("there is no fault " + Quoted(name) + "; \"fwbench faults\" lists them");
+}
+
+}  // namespace
+
+std::span<const FaultEntry> FaultTable() {
+  return kFaults;
+}
+
+FaultRequest ParseFault(std::string_view text) {
+  const std::size_t at = text.find('@');
+  const FaultEntry& entry = FindFault(text.substr(0, at));
+  if (at == std::string_view::npos) {
+    if (entry.needsNumber)
+      throw std::invalid_argument("the fault " + std::string(entry.name) +
+                                  " needs a number: " + std::string(entry.name) + "@N");
+    return {entry.fault, std::nullopt};
+  }
+  const std::string_view digits = text.substr(at + 1);
+  std::uint64_t number = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (error != std::errc() || end != digits.data() + digits.size() || number == 0)
+    throw std::invalid_argument("the fault " + Quoted(text) + " needs a decimal number from 1 on behind its @");
+  return {entry.fault, number};
+}
+
+bool FaultPlan::Strikes(Fault fault) {
+  const std::uint64_t event = ++counts_[static_cast<std::size_t>(fault)];
+  bool struck = false;
+  for (const FaultRequest& request : requests_)
+    if (request.fault == fault && (!request.number || *request.number == event)) struck = true;
+  return struck;
+}
+
+}  // namespace simulator

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "platform/RegisterWindow.h"
+#include "simulator/Boards.h"
+#include "simulator/FlashChip.h"
+#include "simulator/ProtocolErrors.h"
+#include "simulator/SimulatedDevice.h"
+#include "simulator/VirtualClock.h"
+#include "simulator/Vpd.h"
+
+namespace simulator {
+
+/// All that a host card is at one moment, as a value. The VPD area is shared between copies.
+struct HostCardState {
+  std::shared_ptr<const VpdArea> vpd = std::make_shared<const VpdArea>();  ///< never null
+  std::uint32_t karvelRunning = 0;
+  std::uint32_t karvelStored = 0;
+  /// What the flash held at the last power-up; nothing when it was erased.
+  std::optional<std::uint16_t> flashRunning;
+  FlashChip flash;
+  std::uint32_t flashAddressRegister = 0;
+  /// What the card itself refused; the flash keeps its own.
+  ProtocolErrors errors;
+
+  /// Takes the power away at this moment and gives it back: what is stored then runs.
+  void PowerCycle(std::int64_t nowNanoseconds);
+};
+
+/// One host card behind its driver: control calls, and a register window with the VPD area, the Karvel version word and
+/// the pair of flash registers. An access to any other register, a misaligned one, and a write to what can only be read
+/// are protocol errors; such reads give all ones. Each access moves the clock.
+///
+///     HostCard card(kBelmaraBoard, state, clock);
+///     card.Write(HostCard::kFlashAddress, 0x100000);
+///     card.Read(HostCard::kFlashData);
+class HostCard : public SimulatedDevice, public platform::RegisterTrap {
+ public:
+  static constexpr std::int64_t kAccessNanoseconds = 250;
+  static constexpr std::uint32_t kWindowBytes = 0x100000;
+  static constexpr std::uint32_t kVpdFirst = 0x02000;
+  static constexpr std::uint32_t kKarvelVersion = 0x04000;
+  static constexpr std::uint32_t kFlashAddress = 0x04008;
+  static constexpr std::uint32_t kFlashData = 0x0400C;
+
+  static constexpr std::uint32_t kGetBoardMemoryMap = 0xC1762080;
+  static constexpr std::uint32_t kMapMemory = 0xC1762404;
+
+  /// `board` and `clock` must outlive the card.
+  HostCard(const Board& board, HostCardState state, VirtualClock& clock)
+      : board_(board), state_(std::move(state)), clock_(clock) {}
+
+  const Board& board() const { return board_; }
+  HostCardState& state() { return state_; }
+  const HostCardState& state() const { return state_; }
+  /// The plan that the flash asks from now on; null for none. Must outlive its use.
+  void UseFaults(FaultPlan* faults) { faults_ = faults; }
+
+  std::uint32_t Control(std::uint32_t code, std::span<const std::uint8_t> in, std::span<std::uint8_t> out,
+                        std::uint32_t& returned) override;
+  platform::RegisterTrap* TrapAt(std::uint64_t address) override;
+  std::uint32_t Read(std::uint32_t offset) override;
+  void Write(std::uint32_t offset, std::uint32_t value) override;
+
+ private:
+  std::uint32_t MemoryMap(std::span<const std::uint8_t> in, std::span<std::uint8_t> out, std::uint32_t& returned);
+  std::uint32_t MapMemory(std::span<const std::uint8_t> in, std::span<std::uint8_t> out, std::uint32_t& returned);
+
+  const Board& board_;
+  HostCardState state_;
+  VirtualClock& clock_;
+  FaultPlan* faults_ = nullptr;
+};
+
+}  // namespace simulator

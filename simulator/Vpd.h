@@ -1,0 +1,23 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace simulator {
+
+/// The VPD area of a board, as it is read from its registers.
+inline constexpr std::size_t kVpdAreaBytes = 8192;
+using VpdArea = std::array<std::uint8_t, kVpdAreaBytes>;
+
+/// Keyword and text of one field. A keyword has two characters, a text at most 255.
+using VpdField = std::pair<std::string, std::string>;
+
+/// An area that begins with a named product, has one fields resource for each list, in order, ends with an end
+/// resource, and is zero behind it. Throws `std::length_error` when that does not fit.
+VpdArea MakeVpdArea(const std::string& product, const std::vector<std::vector<VpdField>>& resources);
+
+}  // namespace simulator

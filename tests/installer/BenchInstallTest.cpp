@@ -1,0 +1,246 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "BenchRun.h"
+#include "support/ScopedWorkingFolder.h"
+
+// Whole runs against simulated host cards: what the user sees, what a front end is told, and what the cards hold then.
+
+namespace {
+
+using simulator::BenchState;
+using simulator::HostCards;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr char kHeading[] =
+    "   Part Name   Board Fn Rev   Current Flash   Expected Flash\n"
+    "   ---------   ------------   -------------   --------------\n";
+
+class BenchInstall : public testing::Test {
+ protected:
+  BenchInstall() : inside_(folder_.Path()) {}
+
+  /// Files of the versions that the program expects, of one block each.
+  void WriteBothFiles() {
+    folder_.Write("BLMX0202.rbi", Container("BLMX", "1161", "first"));
+    folder_.Write("DVUX0202.rbi", Container("DVUX", "1161", "second"));
+  }
+
+  BenchState state_ = simulator::MakeBench({});
+  test_support::TempFolder folder_;
+
+ private:
+  test_support::ScopedWorkingFolder inside_;
+};
+
+TEST_F(BenchInstall, WithoutArgumentsShowsTheVersionsAndTouchesNothing) {
+  const BenchState before = state_;
+  const InstallerRun run = RunOnBench(state_, {});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, std::string(kHeading) +
+                         "     belmara      02.01           1160           1161\n"
+                         "        dovu      02.01           1160           1161\n"
+                         "     bkarvel      02.01           0016           N/A\n"
+                         "     dkarvel      02.01           0016           N/A\n"
+                         "Press 'Enter' to exit.\n");
+  EXPECT_EQ(run.err, "");
+  for (std::size_t card : {0u, 1u})
+    EXPECT_EQ(state_.cards[card]->flash.memory(), before.cards[card]->flash.memory());
+}
+
+TEST_F(BenchInstall, AllBringsBothCardsToTheExpectedVersion) {
+  WriteBothFiles();
+  const InstallerRun run = RunOnBench(state_, {"-all"});
+  EXPECT_EQ(run.exitCode, 2);
+  // Each block takes longer than the 1.5 seconds between reports, so that the load comes to report its 100 percent.
+  EXPECT_EQ(run.out,
+            "belmara\nLoading\n100%\nProgramming\n100%\nDone\n"
+            "dovu\nLoading\n100%\nProgramming\n100%\nDone\n"
+            "To complete installation, power cycle your CPU.\n"
+            "Press 'Enter' to exit.\n");
+  EXPECT_EQ(run.err, "");
+  PowerCycle(state_);
+  EXPECT_EQ(RunOnBench(state_, {"-version", "-nopause"}).out,
+            std::string(kHeading) +
+                "     belmara      02.01           1161           1161\n"
+                "        dovu      02.01           1161           1161\n"
+                "     bkarvel      02.01           0016           N/A\n"
+                "     dkarvel      02.01           0016           N/A\n");
+  EXPECT_THAT(ProtocolErrors(state_), IsEmpty());
+}
+
+TEST_F(BenchInstall, TheSecondRunFindsNothingToDo) {
+  WriteBothFiles();
+  ASSERT_EQ(RunOnBench(state_, {"-all", "-nopause"}).exitCode, 2);
+  const InstallerRun again = RunOnBench(state_, {"-all"});
+  EXPECT_EQ(again.exitCode, 0);
+  EXPECT_EQ(again.out, "belmara does not need to be loaded\ndovu does not need to be loaded\nPress 'Enter' to exit.\n");
+}
+
+TEST_F(BenchInstall, UpdateTellsWhatItReplaces) {
+  folder_.Write("BLMX0202.rbi", Container("BLMX", "0999", "older"));
+  folder_.Write("DVUX0202.rbi", Container("DVUX", "1160", "the same"));
+  const InstallerRun run = RunOnBench(state_, {"-all", "-update", "-nofussy", "-noprogress", "-nopause"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.out,
+            "Replacing belmara version 1160 with new version 999\n"
+            "dovu is already at version 1160\n"
+            "Replaced belmara version 1160 with new version 999\n");
+  EXPECT_EQ(run.err, "");
+}
+
+TEST_F(BenchInstall, ProgressLinesStandBetweenReplacingAndReplaced) {
+  folder_.Write("b.rbi", Container("BLMX", "2000", "newer"));
+  const InstallerRun run = RunOnBench(state_, {"-update", "b.rbi", "-nopause"});
+  EXPECT_EQ(run.out,
+            "Replacing belmara version 1160 with new version 2000\n"
+            "belmara\nLoading\n100%\nProgramming\n100%\nDone\n"
+            "Replaced belmara version 1160 with new version 2000\n");
+}
+
+TEST_F(BenchInstall, AFileByNameIsInstalledWhateverItsVersion) {
+  folder_.Write("d.rbi", Container("DVUX", "1160", "once more"));
+  const InstallerRun run = RunOnBench(state_, {"d.rbi", "-nopause", "-noprogress"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.out, "");
+}
+
+TEST_F(BenchInstall, AWrongVersionIsFatalWhenItsTurnComes) {
+  folder_.Write("BLMX0202.rbi", Container("BLMX", "1161", "first"));
+  folder_.Write("DVUX0202.rbi", Container("DVUX", "1162", "second"));
+  const InstallerRun run = RunOnBench(state_, {"-all"});
+  EXPECT_EQ(run.exitCode, -1) << "the first card's bit of the result is lost";
+  EXPECT_EQ(run.out,
+            "belmara\nLoading\n100%\nProgramming\n100%\nDone\n"
+            "An error has occurred. Installation may not be complete.\n"
+            "Press 'Enter' to exit.\n");
+  EXPECT_EQ(WithoutLineNumber(run.err),
+            "FwDeploy failed: RBI file is not the correct version for this installer File: FwDeploy.cpp Line: #\n");
+  PowerCycle(state_);
+  EXPECT_EQ(simulator::RowsOf(state_)[0].running, 0x1161) << "what was programmed stays programmed";
+}
+
+TEST_F(BenchInstall, AFileOfAnotherPartIsRefused) {
+  folder_.Write("d.rbi", Container("DVUX", "1161"));
+  const InstallerRun run = RunOnBench(state_, {"-belmara", "d.rbi", "-nopause"});
+  EXPECT_EQ(run.exitCode, -1);
+  EXPECT_EQ(WithoutLineNumber(run.err),
+            "FwDeploy failed: Required RBI file is missing or not usable File: FwDeploy.cpp Line: #\n");
+}
+
+TEST_F(BenchInstall, AKarvelIsSkippedSilentlyAndCannotBeProgrammedYet) {
+  folder_.Write("KRVL0101.rbi", Container("KRVL", "0016"));
+  const InstallerRun fussy = RunOnBench(state_, {"-bkarvel", "-nopause"});
+  EXPECT_EQ(fussy.exitCode, 0);
+  EXPECT_EQ(fussy.out + fussy.err, "");
+  const InstallerRun forced = RunOnBench(state_, {"-bkarvel", "-nofussy", "-nopause"});
+  EXPECT_EQ(forced.exitCode, -1);
+  EXPECT_EQ(forced.out, "bkarvel\n");
+  EXPECT_EQ(WithoutLineNumber(forced.err),
+            "FwDeploy failed: No download algorithm for selected part File: FwDeploy.cpp Line: #\n");
+}
+
+TEST_F(BenchInstall, WithTheFirstCardAloneTheSecondIsNotMissed) {
+  state_ = simulator::MakeBench({.hostCards = HostCards::kBelmara});
+  const InstallerRun run = RunOnBench(state_, {"-nopause", "-version"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out, std::string(kHeading) +
+                         "     belmara      02.01           1160           1161\n"
+                         "     bkarvel      02.01           0016           N/A\n");
+  EXPECT_EQ(run.err, "");
+}
+
+TEST_F(BenchInstall, WithTheSecondCardAloneTheBoxIsOutOfReachAndTheCardIsNot) {
+  state_ = simulator::MakeBench({.hostCards = HostCards::kDovu});
+  WriteBothFiles();
+  const InstallerRun run = RunOnBench(state_, {"-all", "-nopause", "-noprogress"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.err, "There is no Belmara card (driver not loaded?), so Veltra BOB is inaccessible.\n");
+}
+
+TEST_F(BenchInstall, WithoutCardsThereIsNoHardware) {
+  state_ = simulator::MakeBench({.hostCards = HostCards::kNone});
+  const InstallerRun run = RunOnBench(state_, {"-nopause"});
+  EXPECT_EQ(run.exitCode, -1);
+  EXPECT_EQ(WithoutLineNumber(run.err),
+            "FwDeploy failed: Could access neither Veltra nor Orbo QX hardware\n File: FwDeploy.cpp Line: #\n");
+}
+
+TEST_F(BenchInstall, HardwareThatIsLeftOutIsNotLookedAt) {
+  const InstallerRun run = RunOnBench(state_, {"-nopause", "-noveltra"});
+  EXPECT_EQ(run.exitCode, -1);
+  EXPECT_EQ(RunOnBench(state_, {"-nopause", "-noorboqx"}).exitCode, 0);
+}
+
+TEST_F(BenchInstall, HelpPrintsNoTableAndAsksForEnter) {
+  const InstallerRun run = RunOnBench(state_, {"-help"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.out.find("Part Name"), std::string::npos);
+  const std::string tail = "\t-jqxpwry -nojqxpwry\nPress 'Enter' to exit.\n";
+  EXPECT_EQ(run.out.substr(run.out.size() - tail.size()), tail);
+}
+
+/// A little-endian number of a record.
+std::uint32_t NumberAt(const simulator::ReceivedMessage& message, std::size_t offset) {
+  return message.bytes[offset] | message.bytes[offset + 1] << 8 | message.bytes[offset + 2] << 16 |
+         static_cast<std::uint32_t>(message.bytes[offset + 3]) << 24;
+}
+
+/// A record as a front end would read it.
+std::string Read(const simulator::ReceivedMessage& message) {
+  const auto text = [&](std::size_t offset) {
+    return std::string(reinterpret_cast<const char*>(message.bytes.data()) + offset);
+  };
+  if (message.message != 74 || message.wParam != 0) return "foreign message";
+  if (message.kind == 82 && message.bytes.size() == 524)
+    return text(0) + " " + text(260) + " " + std::to_string(NumberAt(message, 520));
+  if (message.kind == 42 && message.bytes.size() == 268)
+    return text(0) + " has " + std::to_string(NumberAt(message, 260)) + " of " + std::to_string(NumberAt(message, 264));
+  if (message.kind == 102 && message.bytes.size() == 8)
+    return "restart " + std::to_string(NumberAt(message, 0)) + " " + std::to_string(NumberAt(message, 4));
+  return "foreign record";
+}
+
+std::vector<std::string> Read(const std::vector<simulator::ReceivedMessage>& messages) {
+  std::vector<std::string> texts;
+  for (const simulator::ReceivedMessage& message : messages)
+    texts.push_back(Read(message));
+  return texts;
+}
+
+TEST_F(BenchInstall, AFrontEndIsToldEverything) {
+  WriteBothFiles();
+  std::vector<simulator::ReceivedMessage> received;
+  RunOnBench(state_, {"-version", "-belmara", "-nopause"}, {}, &received);
+  // 0x1160 is 4448 and 0x1161 is 4449; the Karvels have no expectation, and so no record.
+  EXPECT_THAT(Read(received), ElementsAre("belmara has 4448 of 4449", "dovu has 4448 of 4449", "belmara Loading 0",
+                                          "belmara Loading 100", "belmara Programming 0", "belmara Programming 100",
+                                          "belmara Done 100", "restart 1 0"));
+}
+
+TEST_F(BenchInstall, NoprogressSilencesProgressRecordsOnly) {
+  WriteBothFiles();
+  std::vector<simulator::ReceivedMessage> received;
+  RunOnBench(state_, {"-version", "-belmara", "-nopause", "-noprogress"}, {}, &received);
+  EXPECT_THAT(Read(received), ElementsAre("belmara has 4448 of 4449", "dovu has 4448 of 4449", "restart 1 0"));
+}
+
+TEST_F(BenchInstall, AFailedRunAsksForNoRestart) {
+  std::vector<simulator::ReceivedMessage> received;
+  EXPECT_EQ(RunOnBench(state_, {"-belmara", "-nopause"}, {}, &received).exitCode, -1);
+  EXPECT_THAT(Read(received), ElementsAre("restart 0 0"));
+}
+
+TEST_F(BenchInstall, AFrontEndChangesNothingOnTheConsole) {
+  WriteBothFiles();
+  BenchState other = state_;
+  std::vector<simulator::ReceivedMessage> received;
+  const InstallerRun with = RunOnBench(state_, {"-all", "-version"}, {}, &received);
+  const InstallerRun without = RunOnBench(other, {"-all", "-version"});
+  EXPECT_EQ(with.out, without.out);
+  EXPECT_EQ(with.err, without.err);
+  EXPECT_EQ(with.exitCode, without.exitCode);
+}
+
+}  // namespace

@@ -1,0 +1,286 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "simulator/BenchError.h"
+#include "simulator/BenchFolder.h"
+#include "support/TempFolder.h"
+
+using simulator::Bench;
+using simulator::BenchState;
+using simulator::CreateBench;
+using simulator::HostCards;
+using simulator::HostCardState;
+using simulator::kBelmaraBoard;
+using simulator::LoadBench;
+using simulator::MakeBench;
+using simulator::SaveBench;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kState[] = "bench/hardware/state.json";
+
+class BenchFolderTest : public testing::Test {
+ protected:
+  fs::path Bench() const { return folder.Path() / "bench"; }
+  void Create(const BenchState& state) const { CreateBench(Bench(), state, {}, 1); }
+  std::vector<std::string> Images() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(Bench() / "hardware"))
+      if (entry.path().extension() == ".flash") names.push_back(entry.path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  /// What loading says, empty when it works.
+  std::string Complaint() const {
+    try {
+      LoadBench(Bench());
+    } catch (const simulator::BenchError& error) {
+      return error.what();
+    }
+    return "";
+  }
+  /// The state file with one change.
+  void Change(const std::function<void(nlohmann::json&)>& change) const {
+    nlohmann::json state = nlohmann::json::parse(folder.ReadText(kState));
+    change(state);
+    folder.Write(kState, state.dump());
+  }
+
+  test_support::TempFolder folder;
+};
+
+void ExpectEqual(const HostCardState& a, const HostCardState& b) {
+  EXPECT_EQ(*a.vpd, *b.vpd);
+  EXPECT_EQ(a.karvelRunning, b.karvelRunning);
+  EXPECT_EQ(a.karvelStored, b.karvelStored);
+  EXPECT_EQ(a.flashRunning, b.flashRunning);
+  EXPECT_EQ(a.errors, b.errors);
+  EXPECT_EQ(a.flash.memory(), b.flash.memory());
+  EXPECT_EQ(a.flash.registers(), b.flash.registers());
+  EXPECT_EQ(a.flash.errors(), b.flash.errors());
+}
+
+TEST_F(BenchFolderTest, KeepsEverything) {
+  BenchState state = MakeBench({});
+  state.clockNanoseconds = 123'456'789'012;
+  HostCardState& card = *state.cards[0];
+  card.karvelRunning = 0xFFFFFFFF;
+  card.karvelStored = 0x00170001;
+  card.flashRunning = std::nullopt;
+  card.errors.Add("one \"quoted\"");
+  card.errors.Add("two");
+  card.flash.memory().SetWord(0x3FFFFF, 0x1234);
+  card.flash.registers() = {
+      simulator::FlashReadMode::kQuery, 0x32, 0x8000000000000001, {1, 2, 3, 4, 5, 6, 7, 8, 0xFFFF}, true};
+  card.flash.errors() = simulator::ProtocolErrors({"three"}, 12345);
+  Create(state);
+
+  const BenchState loaded = LoadBench(Bench());
+  EXPECT_EQ(loaded.clockNanoseconds, 123'456'789'012);
+  ExpectEqual(*loaded.cards[0], card);
+  ExpectEqual(*loaded.cards[1], *state.cards[1]);
+}
+
+TEST_F(BenchFolderTest, KeepsWhichCardsAreThere) {
+  Create(MakeBench({.hostCards = HostCards::kDovu}));
+  const BenchState loaded = LoadBench(Bench());
+  EXPECT_FALSE(loaded.cards[0].has_value());
+  EXPECT_TRUE(loaded.cards[1].has_value());
+  EXPECT_THAT(Images(), ElementsAre(StartsWith("dovu-")));
+}
+
+TEST_F(BenchFolderTest, KeepsABenchWithoutCards) {
+  Create(MakeBench({.hostCards = HostCards::kNone}));
+  EXPECT_TRUE(simulator::RowsOf(LoadBench(Bench())).empty());
+}
+
+TEST_F(BenchFolderTest, HasAFolderForFirmware) {
+  CreateBench(Bench(), MakeBench({}), {{"a.rbi", std::vector<std::uint8_t>{1}}}, 1);
+  EXPECT_EQ(folder.ReadText("bench/firmware/a.rbi"), "\x01");
+  EXPECT_EQ(simulator::FirmwareFolder(Bench()), Bench() / "firmware");
+}
+
+TEST_F(BenchFolderTest, IsMadeInAnEmptyFolder) {
+  fs::create_directory(Bench());
+  Create(MakeBench({.hostCards = HostCards::kNone}));
+  EXPECT_EQ(Complaint(), "");
+}
+
+TEST_F(BenchFolderTest, IsNotMadeWhereSomethingIs) {
+  folder.Write("bench/file", "x");
+  try {
+    Create(MakeBench({.hostCards = HostCards::kNone}));
+    FAIL();
+  } catch (const simulator::BenchError& error) {
+    EXPECT_EQ(error.what(), Bench().string() + ": is not empty");
+  }
+  EXPECT_THAT(fs::directory_iterator(Bench())->path().filename().string(), "file");
+
+  folder.Write("plain", "x");
+  EXPECT_THROW(CreateBench(folder.File("plain"), MakeBench({}), {}, 1), simulator::BenchError);
+  EXPECT_EQ(folder.ReadText("plain"), "x");
+}
+
+TEST_F(BenchFolderTest, LeavesNothingWhenItCannotBeMade) {
+  EXPECT_THROW(CreateBench(Bench(), MakeBench({}), {{"no/such/folder.rbi", std::vector<std::uint8_t>{1}}}, 1),
+               simulator::BenchError);
+  EXPECT_FALSE(folder.Has("bench"));
+  fs::create_directory(Bench());
+  EXPECT_THROW(CreateBench(Bench(), MakeBench({}), {{"no/such/folder.rbi", std::vector<std::uint8_t>{1}}}, 1),
+               simulator::BenchError);
+  EXPECT_TRUE(fs::is_empty(Bench()));
+}
+
+TEST_F(BenchFolderTest, WritesOnlyTheImagesThatChanged) {
+  Create(MakeBench({}));
+  const auto before = Images();
+  ASSERT_THAT(before, ElementsAre(StartsWith("belmara-"), StartsWith("dovu-")));
+  const auto stamp = fs::file_time_type::clock::now() - std::chrono::hours(1);
+  for (const std::string& name : before)
+    fs::last_write_time(Bench() / "hardware" / name, stamp);
+
+  BenchState state = LoadBench(Bench());
+  state.cards[0]->flash.memory().SetWord(0x100000, 0);
+  SaveBench(Bench(), state);
+  const auto after = Images();
+  ASSERT_EQ(after.size(), 2u) << "the old image is gone";
+  EXPECT_NE(after[0], before[0]);
+  EXPECT_EQ(after[1], before[1]);
+  EXPECT_EQ(fs::last_write_time(Bench() / "hardware" / after[1]), stamp) << "not written again";
+  EXPECT_EQ(LoadBench(Bench()).cards[0]->flash.memory().Word(0x100000), 0);
+}
+
+// A crash before the state file is renamed leaves these behind.
+TEST_F(BenchFolderTest, IsNotHurtByAnInterruptedSaving) {
+  Create(MakeBench({}));
+  folder.Write("bench/hardware/state.json.new", "{ half a st");
+  folder.Write("bench/hardware/belmara-0000000000000000.flash.new", "half an image");
+  folder.Write("bench/hardware/belmara-1111111111111111.flash", "an image that no state names");
+  const BenchState state = LoadBench(Bench());
+  EXPECT_EQ(state.cards[0]->flashRunning, 0x1160);
+  SaveBench(Bench(), state);
+  EXPECT_THAT(Images(), testing::SizeIs(2));
+  EXPECT_FALSE(folder.Has("bench/hardware/state.json.new"));
+  EXPECT_FALSE(folder.Has("bench/hardware/belmara-0000000000000000.flash.new"));
+}
+
+TEST_F(BenchFolderTest, KeepsTheOldStateWhenTheNewOneCannotBeWritten) {
+  Create(MakeBench({.hostCards = HostCards::kNone}));
+  const std::string before = folder.ReadText(kState);
+  fs::create_directories(Bench() / "hardware" / "state.json.new" / "in the way");
+  BenchState state = LoadBench(Bench());
+  state.clockNanoseconds = 5;
+  EXPECT_THROW(SaveBench(Bench(), state), simulator::BenchError);
+  EXPECT_EQ(folder.ReadText(kState), before);
+}
+
+TEST_F(BenchFolderTest, SaysWhereThereIsNoBench) {
+  EXPECT_EQ(Complaint(), Bench().string() + ": holds no bench");
+  folder.Write("bench/firmware/a.rbi", "x");
+  EXPECT_EQ(Complaint(), Bench().string() + ": holds no bench");
+}
+
+TEST_F(BenchFolderTest, RefusesAStateThatWasCutShort) {
+  Create(MakeBench({.hostCards = HostCards::kNone}));
+  const std::string whole = folder.ReadText(kState);
+  ASSERT_GT(whole.size(), 20u);
+  for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
+    folder.Write(kState, whole.substr(0, length));
+    EXPECT_THAT(Complaint(), StartsWith(folder.File(kState) + ": is damaged: not readable as JSON: ")) << length;
+  }
+}
+
+struct Damage {
+  const char* name;
+  std::function<void(nlohmann::json&)> change;
+  const char* complaint;
+};
+
+class BenchFolderDamage : public BenchFolderTest, public testing::WithParamInterface<Damage> {};
+
+TEST_P(BenchFolderDamage, IsRefused) {
+  Create(MakeBench({.hostCards = HostCards::kBelmara}));
+  Change(GetParam().change);
+  EXPECT_EQ(Complaint(), folder.File(kState) + ": is damaged: " + GetParam().complaint);
+}
+
+using Json = nlohmann::json;
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, BenchFolderDamage,
+    testing::Values(
+        Damage{"NoObject", [](Json& s) { s = Json::array(); }, "expected an object, found a list"},
+        Damage{"OtherFormat", [](Json& s) { s["format"] = 2; }, "format: made by another version of this program"},
+        Damage{"NoFormat", [](Json& s) { s.erase("format"); }, "format: is missing"},
+        Damage{"NegativeClock", [](Json& s) { s["clock"] = -1; },
+               "clock: expected a whole number from 0 to 4611686018427387904, found -1"},
+        Damage{"NoCards", [](Json& s) { s["cards"] = nullptr; }, "cards: is missing"},
+        Damage{"UnknownCard", [](Json& s) { s["cards"]["velmara"] = nullptr; }, "cards.velmara: unknown key"},
+        Damage{"UnknownKey", [](Json& s) { s["box"] = 1; }, "box: unknown key"},
+        Damage{"ShortVpd", [](Json& s) { s["cards"]["belmara"]["vpd"] = "00"; },
+               "cards.belmara.vpd: has a wrong length"},
+        Damage{"VpdNoHex", [](Json& s) { s["cards"]["belmara"]["vpd"] = "0g"; },
+               "cards.belmara.vpd: expected a text of two hexadecimal digits a byte, found \"0g\""},
+        Damage{"LongKarvel", [](Json& s) { s["cards"]["belmara"]["karvelStored"] = "123456789"; },
+               "cards.belmara.karvelStored: expected a text of 1 to 8 hexadecimal digits, found \"123456789\""},
+        Damage{"Version", [](Json& s) { s["cards"]["belmara"]["flashRunning"] = 1160; },
+               "cards.belmara.flashRunning: expected a text of 1 to 4 hexadecimal digits, found 1160"},
+        Damage{"ErrorTexts", [](Json& s) { s["cards"]["belmara"]["errors"]["texts"] = Json::array({1}); },
+               "cards.belmara.errors.texts: expected a list of texts, found 1"},
+        Damage{"ErrorTextsNoList", [](Json& s) { s["cards"]["belmara"]["errors"]["texts"] = "x"; },
+               "cards.belmara.errors.texts: expected a list of texts, found \"x\""},
+        Damage{"NoErrorTotal", [](Json& s) { s["cards"]["belmara"]["errors"].erase("total"); },
+               "cards.belmara.errors.total: is missing"},
+        Damage{"ReadMode", [](Json& s) { s["cards"]["belmara"]["flash"]["readMode"] = "arrays"; },
+               "cards.belmara.flash.readMode: there is no such mode"},
+        Damage{"ReadyAsAnError", [](Json& s) { s["cards"]["belmara"]["flash"]["errorBits"] = "80"; },
+               "cards.belmara.flash.errorBits: holds the ready bit"},
+        Damage{"Protection", [](Json& s) { s["cards"]["belmara"]["flash"]["protection"] = "0011"; },
+               "cards.belmara.flash.protection: has a wrong length"},
+        Damage{"Hung", [](Json& s) { s["cards"]["belmara"]["flash"]["hung"] = 0; },
+               "cards.belmara.flash.hung: expected true or false, found 0"},
+        Damage{"FlashKey", [](Json& s) { s["cards"]["belmara"]["flash"]["cells"] = 0; },
+               "cards.belmara.flash.cells: unknown key"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(BenchFolderTest, RefusesAKeyThatStandsTwice) {
+  Create(MakeBench({.hostCards = HostCards::kNone}));
+  folder.Write(kState, R"({"format":1,"clock":1,"clock":2,"cards":{}})");
+  EXPECT_EQ(Complaint(), folder.File(kState) + ": is damaged: the key \"clock\" stands twice in one object");
+}
+
+TEST_F(BenchFolderTest, RefusesADamagedImage) {
+  Create(MakeBench({.hostCards = HostCards::kBelmara}));
+  const std::string name = "bench/hardware/" + Images()[0];
+  const std::string whole = folder.ReadText(name);
+
+  std::string changed = whole;
+  changed[0x500000] ^= 1;
+  folder.Write(name, changed);
+  EXPECT_EQ(Complaint(), folder.File(name) + ": is damaged: its content is not what its name says");
+  folder.Write(name, whole.substr(1));
+  EXPECT_EQ(Complaint(), folder.File(name) + ": is damaged: has 8388607 bytes instead of 8388608");
+  folder.Write(name, whole + "x");
+  EXPECT_EQ(Complaint(), folder.File(name) + ": has 8388609 bytes, more than the 8388608 that it may have");
+  fs::remove(folder.Path() / name);
+  EXPECT_EQ(Complaint(), folder.File(name) + ": No such file or directory");
+}
+
+TEST_F(BenchFolderTest, RefusesAStateFileOfAnUnlikelyLength) {
+  Create(MakeBench({.hostCards = HostCards::kNone}));
+  folder.Write(kState, std::string((1 << 20) + 1, ' '));
+  EXPECT_THAT(Complaint(), HasSubstr("more than the 1048576 that it may have"));
+  fs::remove(folder.Path() / kState);
+  fs::create_directory(folder.Path() / kState);
+  EXPECT_THAT(Complaint(), HasSubstr("is not a regular file"));
+}
+
+}  // namespace

@@ -1,0 +1,79 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "simulator/BenchError.h"
+#include "simulator/FirmwareFiles.h"
+#include "simulator/RbiFile.h"
+#include "simulator/SeededBytes.h"
+#include "support/TempFolder.h"
+
+using simulator::BytesOf;
+using simulator::FirmwareFile;
+using simulator::RbiContent;
+
+namespace {
+
+TEST(MakeRbi, WritesTheHeaderByteForByte) {
+  const std::uint8_t payload[] = {0xDE, 0xAD};
+  const std::vector<std::uint8_t> file = simulator::MakeRbi("BLMX", 0x0A61, payload);
+  const std::string expected(
+      "ORBO.RBI"
+      "\x00\x00\x00\x26"
+      "R0a61 BLMX"
+      "S:BENCH;M:01.00;"
+      "\xDE\xAD",
+      40);
+  EXPECT_EQ(std::string(file.begin(), file.end()), expected);
+}
+
+TEST(ReleaseFiles, AreOneForEachHostCard) {
+  const auto files = simulator::ReleaseFiles();
+  ASSERT_EQ(files.size(), 2u);
+  EXPECT_EQ(files[0].name, "BLMX0202.rbi");
+  EXPECT_EQ(files[1].name, "DVUX0202.rbi");
+  for (const FirmwareFile& file : files) {
+    const auto& rbi = std::get<RbiContent>(file.content);
+    EXPECT_EQ(rbi.partId, file.name.substr(0, 4));
+    EXPECT_EQ(rbi.version, 0x1161);
+    EXPECT_NE(rbi.payloadBytes % 0x20000, 0u) << "ends inside a block";
+    EXPECT_LT(rbi.payloadBytes, 0x1E0000u) << "leaves the top block to the stamp";
+    EXPECT_EQ(BytesOf(file, 1).size(), rbi.payloadBytes + 38);
+  }
+}
+
+TEST(FirmwareFile, FollowsItsNameAndSeed) {
+  const FirmwareFile file{"a.rbi", RbiContent{"BLMX", 1, 100}};
+  EXPECT_EQ(BytesOf(file, 1), BytesOf(file, 1));
+  EXPECT_NE(BytesOf(file, 1), BytesOf(file, 2));
+  EXPECT_NE(BytesOf(file, 1), BytesOf({"b.rbi", file.content}, 1));
+  EXPECT_EQ(BytesOf({"raw", std::vector<std::uint8_t>{1, 2, 3}}, 1), (std::vector<std::uint8_t>{1, 2, 3}));
+  EXPECT_EQ(BytesOf({"empty.rbi", RbiContent{"BLMX", 1, 0}}, 1).size(), 38u);
+}
+
+// Benches made long ago must stay what they were.
+TEST(SeededBytes, NeverChange) {
+  EXPECT_THAT(simulator::SeededBytes(0, "", 9),
+              testing::ElementsAre(0xAF, 0xCD, 0x1D, 0x7B, 0x39, 0xA8, 0x20, 0xE2, 0xF4));
+  EXPECT_NE(simulator::SeededBytes(1, "a", 8), simulator::SeededBytes(1, "b", 8));
+  EXPECT_THAT(simulator::SeededBytes(1, "a", 0), testing::IsEmpty());
+}
+
+TEST(WriteFirmwareFiles, WritesThemIntoTheFolder) {
+  const test_support::TempFolder folder;
+  simulator::WriteFirmwareFiles(folder.Path(), {{"raw.bin", std::vector<std::uint8_t>{0x00, 0xFF}}}, 1);
+  EXPECT_THAT(folder.ReadBytes("raw.bin"), testing::ElementsAre(0x00, 0xFF));
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("raw.bin"));
+}
+
+TEST(WriteFirmwareFiles, NamesTheFileThatCannotBeWritten) {
+  const test_support::TempFolder folder;
+  folder.Write("folder/inside", "x");
+  try {
+    simulator::WriteFirmwareFiles(folder.Path(), {{"folder", std::vector<std::uint8_t>{1}}}, 1);
+    FAIL();
+  } catch (const simulator::BenchError& error) {
+    EXPECT_EQ(error.what(), folder.File("folder") + ": Is a directory");
+  }
+}
+
+}  // namespace

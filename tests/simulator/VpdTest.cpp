@@ -1,0 +1,52 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "simulator/Vpd.h"
+
+using simulator::MakeVpdArea;
+using simulator::VpdArea;
+
+namespace {
+
+TEST(MakeVpdArea, WritesProductFieldsAndEnd) {
+  const VpdArea area = MakeVpdArea("AB", {{{"ZB", "2"}, {"PN", "1-2-3"}}, {{"ZA", ""}}});
+  const std::string expected(
+      "\x82\x02\x00"
+      "AB"
+      "\x90\x0C\x00"
+      "ZB\x01"
+      "2"
+      "PN\x05"
+      "1-2-3"
+      "\x90\x03\x00"
+      "ZA\x00"
+      "\x78",
+      27);
+  EXPECT_EQ(std::string(area.begin(), area.begin() + 27), expected);
+  EXPECT_TRUE(std::all_of(area.begin() + 27, area.end(), [](std::uint8_t byte) { return byte == 0; }));
+}
+
+TEST(MakeVpdArea, WritesLongResourcesLowByteFirst) {
+  const VpdArea area = MakeVpdArea("", {{{"AA", std::string(255, 'x')}, {"BB", "y"}}});
+  EXPECT_EQ(area[3], 0x90);
+  EXPECT_EQ(area[4], 0x06) << "262 bytes";
+  EXPECT_EQ(area[5], 0x01);
+  EXPECT_EQ(area[8], 255);
+}
+
+TEST(MakeVpdArea, RefusesWhatDoesNotFit) {
+  // 3 bytes of product, 3 of head, 31 fields of 258, 1 of 184, 1 of end: 8192 in all.
+  std::vector<simulator::VpdField> full(31, {"AA", std::string(255, 'x')});
+  full.push_back({"BB", std::string(184, 'y')});
+  const VpdArea area = MakeVpdArea("", {full});
+  EXPECT_EQ(area[8191], 0x78);
+  full.back().second.push_back('y');
+  EXPECT_THROW(MakeVpdArea("", {full}), std::length_error);
+  EXPECT_THROW(MakeVpdArea("", {{{"AA", std::string(256, 'x')}}}), std::length_error);
+  EXPECT_THROW(MakeVpdArea("", {{{"A", "x"}}}), std::length_error);
+  EXPECT_THROW(MakeVpdArea(std::string(70'000, 'p'), {}), std::length_error);
+}
+
+}  // namespace

@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "support/Process.h"
+#include "support/TempFolder.h"
+
+// The program run by fwbench, each step in a process of its own, as people and scripts do it.
+
+namespace {
+
+using test_support::ProcessResult;
+using test_support::RunProcess;
+
+constexpr char kHeading[] =
+    "   Part Name   Board Fn Rev   Current Flash   Expected Flash\n"
+    "   ---------   ------------   -------------   --------------\n";
+
+class FwbenchRun : public testing::Test {
+ protected:
+  /// A bench of one card with a small image, so that a run is quick.
+  void MakeSmallBench() {
+    folder_.Write("bench.json", R"({
+      "files": {"BLMX0202.rbi": {"id": "BLMX", "version": "1161", "payload": 100},
+                "wrong.rbi": {"id": "BLMX", "version": "1162", "payload": 1},
+                "junk.rbi": {"raw": "00ff"}},
+      "veltra": {"belmara": {"vpd": {"ZA": "5", "ZB": "1", "ZC": "0"}, "flash": "1160", "karvel": "00160000"},
+                 "dovu": null, "box": null},
+      "morvak": null})");
+    const ProcessResult made =
+        RunProcess(FWBENCH_PROGRAM, {"new", folder_.File("bench"), "--describe", folder_.File("bench.json")});
+    ASSERT_EQ(made.exitCode, 0) << made.standardError;
+  }
+
+  /// `fwbench run` on it, with words before and behind the "--".
+  ProcessResult Run(const std::vector<std::string>& arguments, const std::vector<std::string>& options = {}) {
+    std::vector<std::string> words{"run", folder_.File("bench")};
+    words.insert(words.end(), options.begin(), options.end());
+    words.push_back("--");
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return RunProcess(FWBENCH_PROGRAM, words, {.standardInput = "\n", .workingDirectory = folder_.Path().string()});
+  }
+
+  void PowerCycle() { ASSERT_EQ(RunProcess(FWBENCH_PROGRAM, {"power-cycle", folder_.File("bench")}).exitCode, 0); }
+
+  /// The version that the table shows of the first card.
+  std::string ShownVersion() {
+    const ProcessResult run = Run({"-version", "-nopause"});
+    EXPECT_EQ(run.exitCode, 0) << run.standardError;
+    const std::string line = run.standardOutput.substr(sizeof kHeading - 1);
+    EXPECT_EQ(line.rfind("     belmara      01.00           ", 0), 0u) << run.standardOutput;
+    return line.substr(34, 4);
+  }
+
+  nlohmann::json Shown(const std::string& part) {
+    const ProcessResult run = RunProcess(FWBENCH_PROGRAM, {"show", folder_.File("bench"), "--json"});
+    std::istringstream lines(run.standardOutput);
+    for (std::string line; std::getline(lines, line);)
+      if (const nlohmann::json row = nlohmann::json::parse(line); row["part"] == part) return row;
+    return nullptr;
+  }
+
+  test_support::TempFolder folder_;
+};
+
+TEST_F(FwbenchRun, InstallsAndRunsTheNewVersionAfterThePowerCycle) {
+  MakeSmallBench();
+  EXPECT_EQ(ShownVersion(), "1160");
+  const ProcessResult run = Run({"-all"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.standardOutput,
+            "belmara\nLoading\n100%\nProgramming\n100%\nDone\n"
+            "To complete installation, power cycle your CPU.\n"
+            "Press 'Enter' to exit.\n");
+  EXPECT_EQ(run.standardError, "");
+  EXPECT_EQ(Shown("belmara")["running"], "1160");
+  EXPECT_EQ(Shown("belmara")["stored"], "1161");
+  PowerCycle();
+  EXPECT_EQ(Shown("belmara")["running"], "1161");
+  EXPECT_EQ(Shown("belmara")["errors"], nlohmann::json::array());
+  EXPECT_EQ(ShownVersion(), "1161");
+  const ProcessResult again = Run({"-all", "-nopause"});
+  EXPECT_EQ(again.exitCode, 0);
+  EXPECT_EQ(again.standardOutput, "belmara does not need to be loaded\n");
+}
+
+TEST_F(FwbenchRun, AFailedRunExitsWith255) {
+  MakeSmallBench();
+  const ProcessResult run = Run({"-belmara", "wrong.rbi", "-nopause"});
+  EXPECT_EQ(run.exitCode, 255);
+  EXPECT_EQ(run.standardError.rfind("FwDeploy failed: RBI file is not the correct version for this installer "
+                                    "File: FwDeploy.cpp Line: ",
+                                    0),
+            0u)
+      << run.standardError;
+}
+
+TEST_F(FwbenchRun, TheInstallersFilesAreTheBenchs) {
+  MakeSmallBench();
+  const ProcessResult run = Run({"junk.rbi", "-nopause"});
+  EXPECT_EQ(run.exitCode, 255);
+  EXPECT_EQ(run.standardError.rfind("File junk.rbi missing RBI file header\n", 0), 0u) << run.standardError;
+}
+
+TEST_F(FwbenchRun, TheStampNamesFileUserAndDomain) {
+  MakeSmallBench();
+  ASSERT_EQ(RunProcess(FWBENCH_PROGRAM, {"run", folder_.File("bench"), "--", "-all", "-nopause"},
+                       {.environment = {"USERNAME=alice", "USERDOMAIN=SUITE7", "TZ=UTC"}})
+                .exitCode,
+            2);
+  std::string flash;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_.File("bench")))
+    if (entry.is_regular_file() && entry.file_size() == 8u << 20) {
+      std::ifstream file(entry.path(), std::ios::binary);
+      flash.assign(std::istreambuf_iterator<char>(file), {});
+    }
+  ASSERT_EQ(flash.size(), 8u << 20) << "the flash image of the bench";
+  const std::size_t stamp = flash.find(" Filename:     BLMX0202.rbi\n Installer:    SUITE7 - alice\n Install Date: ");
+  ASSERT_NE(stamp, std::string::npos);
+  EXPECT_GE(stamp, 0x3E0000u) << "in the top block of the image area";
+  EXPECT_EQ(stamp % 2, 0u);
+  EXPECT_EQ(flash.find("R1161", stamp) - flash.find('\0', stamp), 1u) << "the header's copy behind the text";
+  EXPECT_EQ(flash.substr(0x3FFFF8, 4), std::string("\x61\x11\x08\x00", 4));
+}
+
+TEST_F(FwbenchRun, ThePlugIsPulledAtTheWriteThatWasAskedFor) {
+  MakeSmallBench();
+  const ProcessResult run = Run({"-all", "-nopause", "-noprogress"}, {"--fault", "power-cut@1000"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.standardError, "fwbench: power cut at write 1000\n");
+  PowerCycle();
+  EXPECT_EQ(ShownVersion(), "1160") << "the stamp's block is written last";
+  EXPECT_EQ(Run({"-all", "-nopause"}).exitCode, 2);
+  PowerCycle();
+  EXPECT_EQ(ShownVersion(), "1161");
+}
+
+TEST_F(FwbenchRun, CutsAllAlongAnInstallLeaveTheOldVersionOrNoneOrTheNew) {
+  MakeSmallBench();
+  // Some 670,000 writes in all; a prime step meets every phase of erase and program.
+  int cuts = 0;
+  std::map<std::string, int> shown;
+  for (int write = 1;; write += 41'999) {
+    ASSERT_EQ(RunProcess("cp", {"-r", folder_.File("bench"), folder_.File("kept")}).exitCode, 0);
+    const ProcessResult run =
+        Run({"-all", "-nopause", "-noprogress"}, {"--fault", "power-cut@" + std::to_string(write)});
+    if (run.exitCode == 2) break;
+    ASSERT_EQ(run.exitCode, 1) << run.standardError;
+    PowerCycle();
+    ++shown[ShownVersion()];
+    ++cuts;
+    std::filesystem::remove_all(folder_.File("bench"));
+    std::filesystem::rename(folder_.File("kept"), folder_.File("bench"));
+  }
+  EXPECT_GE(cuts, 10);
+  EXPECT_EQ(shown["1160"] + shown["0000"] + shown["1161"], cuts);
+}
+
+TEST_F(FwbenchRun, TheTraceHasEveryAccessInOrder) {
+  MakeSmallBench();
+  ASSERT_EQ(Run({"-version", "-nopause"}, {"--trace", "trace.txt"}).exitCode, 0);
+  std::istringstream lines(folder_.ReadText("trace.txt"));
+  std::vector<std::string> trace;
+  for (std::string line; std::getline(lines, line);)
+    trace.push_back(line);
+  // Map, VPD of the flash part, flash: format word and stamp location, stamp; then VPD and version word of the Karvel.
+  ASSERT_GE(trace.size(), 2u + 2048 + 6);
+  EXPECT_EQ(trace[0], "belmara C c1762080 00000000");
+  EXPECT_EQ(trace[1], "belmara C c1762404 00000000");
+  EXPECT_EQ(trace[2].substr(0, 16), "belmara R 02000 ");
+  EXPECT_EQ(trace[2049].substr(0, 16), "belmara R 03ffc ");
+  EXPECT_EQ(trace[2050], "belmara W 04008 00000000") << "the flash is sent to read array mode";
+  EXPECT_EQ(trace[2051], "belmara W 0400c 000000ff");
+  EXPECT_EQ(trace[2052], "belmara W 04008 001ffffc") << "the format word is the upper one of its pair";
+  EXPECT_EQ(trace[2053].substr(0, 16), "belmara R 0400c ");
+  EXPECT_EQ(trace[2054], "belmara W 04008 001ffffe");
+  EXPECT_EQ(trace[2055].substr(0, 16), "belmara R 0400c ");
+  EXPECT_EQ(trace.back(), "belmara R 04000 00160000");
+}
+
+TEST_F(FwbenchRun, TwoRunsOfTheSameBenchHaveTheSameTrace) {
+  MakeSmallBench();
+  ASSERT_EQ(RunProcess("cp", {"-r", folder_.File("bench"), folder_.File("kept")}).exitCode, 0);
+  ASSERT_EQ(Run({"-all", "-nopause"}, {"--trace", "first.txt"}).exitCode, 2);
+  std::filesystem::remove_all(folder_.File("bench"));
+  std::filesystem::rename(folder_.File("kept"), folder_.File("bench"));
+  ASSERT_EQ(Run({"-all", "-nopause"}, {"--trace", "second.txt"}).exitCode, 2);
+  EXPECT_EQ(folder_.ReadText("first.txt"), folder_.ReadText("second.txt"));
+}
+
+TEST_F(FwbenchRun, AFreshBenchInstallsBothCards) {
+  ASSERT_EQ(RunProcess(FWBENCH_PROGRAM, {"new", folder_.File("bench")}).exitCode, 0);
+  const ProcessResult run = Run({"-all", "-nopause", "-noprogress"});
+  EXPECT_EQ(run.exitCode, 2) << run.standardError;
+  EXPECT_EQ(run.standardOutput, "");
+  PowerCycle();
+  EXPECT_EQ(Run({"-version", "-nopause"}).standardOutput, std::string(kHeading) +
+                                                              "     belmara      02.01           1161           1161\n"
+                                                              "        dovu      02.01           1161           1161\n"
+                                                              "     bkarvel      02.01           0016           N/A\n"
+                                                              "     dkarvel      02.01           0016           N/A\n");
+  for (const char* part : {"belmara", "dovu"})
+    EXPECT_EQ(Shown(part)["errors"], nlohmann::json::array()) << part;
+}
+
+}  // namespace
