@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 #include "BenchRun.h"
 #include "simulator/Faults.h"
 #include "support/ScopedWorkingFolder.h"
@@ -117,7 +119,11 @@ int WalkFault(const std::string& name, std::uint64_t step) {
     BenchState state = fresh;
     const std::string fault = name + "@" + std::to_string(place);
     const InstallerRun run = RunOnBench(state, {"-belmara", "-nopause", "-noprogress", "-noorboqx"}, {fault});
-    if (run.exitCode == 2) return struck;
+    if (run.exitCode == 2) {
+      std::printf("fault walk: %s ended %d installs, one at each of its places%s\n", name.c_str(), struck,
+                  step == 1 ? "" : " that were tried");
+      return struck;
+    }
     ++struck;
     EXPECT_EQ(run.exitCode, -1) << fault;
     EXPECT_EQ(run.err.rfind("FwDeploy failed: ", 0), 0u) << fault << ": " << run.err;
