@@ -17,7 +17,8 @@ void Require(bool holds) {
 
 void RequireOneLine(std::string_view text) {
   Require(!text.empty());
-  for (const char letter : text) Require(static_cast<unsigned char>(letter) >= ' ');
+  for (const char letter : text)
+    Require(static_cast<unsigned char>(letter) >= ' ');
 }
 
 void LookAt(const simulator::BenchDescription& description) {

@@ -63,9 +63,11 @@ TEST(ExportedOperations, AreTwentySevenOfTheTimingClass) {
   EXPECT_THAT(ofTheClass, testing::UnorderedElementsAreArray(kOperations));
 }
 
+// A sanitizer's runtime has the program export its own hooks; the program that ships has none.
+#if FWDEPLOY_EXPORTS_OF_A_RUNTIME == 0
 TEST(ExportedOperations, AreAllThatOtherModulesSeeOfTheProgram) {
-  if (FWDEPLOY_EXPORTS_OF_A_RUNTIME != 0) GTEST_SKIP() << "a sanitizer's runtime has the program export its hooks";
   EXPECT_THAT(ExportedNames(), testing::UnorderedElementsAreArray(kOperations));
 }
+#endif
 
 }  // namespace
