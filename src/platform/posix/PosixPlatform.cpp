@@ -1,9 +1,9 @@
 #include <dirent.h>
 #include <sys/stat.h>
-#include <time.h>
 
 #include <algorithm>
 #include <cstdlib>
+#include <ctime>
 
 #include "platform/Platform.h"
 

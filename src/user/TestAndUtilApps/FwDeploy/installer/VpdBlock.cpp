@@ -78,7 +78,7 @@ VpdStatus VpdBlock::Create(std::int32_t sizeBytes) {
   if (sizeBytes < kMinimumSizeBytes || sizeBytes > kMaximumSizeBytes) return kVpdBadArgument;
   parsed_ = false;
   const auto blockBytes = static_cast<std::size_t>(sizeBytes);
-  const auto workBytes = static_cast<std::size_t>(sizeBytes + kWorkExtraBytes);
+  const auto workBytes = blockBytes + std::size_t{kWorkExtraBytes};
   if (sizeBytes != sizeBytes_) {
     sizeBytes_ = 0;
     block_.reset(new (std::nothrow) std::uint8_t[blockBytes]);
