@@ -3,6 +3,8 @@
 #include <time.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -169,10 +171,23 @@ TEST(NativePlatform, HasNoFrontEnd) {
   EXPECT_EQ(frontEnd.SendMessageA(0, platform::kCopyDataMessage, 0, {}), 0);
 }
 
-TEST(NativePlatform, HasNoEmbeddedBlocksYet) {
+TEST(NativePlatform, ListsTheEmbeddedDictionariesInTheOrderOfTheirNames) {
   platform::TextBlocks& blocks = platform::Native().textBlocks();
-  EXPECT_TRUE(blocks.List("RT_TCD_FILE").empty());
-  EXPECT_EQ(blocks.Bytes("RT_TCD_FILE", "IDR_RT_TCDFILE_1"), std::nullopt);
+  EXPECT_EQ(blocks.List("RT_TCD_FILE"),
+            (std::vector<std::string>{"IDR_RT_TCDFILE_1", "IDR_RT_TCDFILE_2", "IDR_RT_TCDFILE_3", "IDR_RT_TCDFILE_4",
+                                      "IDR_RT_TCDFILE_5", "IDR_RT_TCDFILE_6"}));
+  EXPECT_TRUE(blocks.List("RT_NO_SUCH_FILE").empty());
+}
+
+TEST(NativePlatform, GivesTheBytesOfAnEmbeddedBlockAsTheyAreInItsFile) {
+  platform::TextBlocks& blocks = platform::Native().textBlocks();
+  const std::string path = std::string(DATA_FOLDER) + "/IDR_RT_TCDFILE_2.tcd";
+  std::ifstream file(path, std::ios::binary);
+  const std::string expected((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  ASSERT_FALSE(expected.empty()) << path;
+  EXPECT_EQ(blocks.Bytes("RT_TCD_FILE", "IDR_RT_TCDFILE_2"), expected);
+  EXPECT_EQ(blocks.Bytes("RT_TCD_FILE", "IDR_RT_TCDFILE_7"), std::nullopt);
+  EXPECT_EQ(blocks.Bytes("RT_HWC_FILE", "IDR_RT_TCDFILE_2"), std::nullopt);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "platform/EmbeddedBlocks.h"
 #include "platform/Platform.h"
 
 namespace platform {
@@ -98,11 +99,20 @@ class NoFrontEnd : public FrontEnd {
   std::intptr_t SendMessageA(WindowHandle, std::uint32_t, std::uintptr_t, const CopyData&) override { return 0; }
 };
 
-/// No block is embedded yet.
-class NoTextBlocks : public TextBlocks {
+/// The blocks that the build put into the program.
+class EmbeddedTextBlocks : public TextBlocks {
  public:
-  std::vector<std::string> List(std::string_view) override { return {}; }
-  std::optional<std::string_view> Bytes(std::string_view, std::string_view) override { return std::nullopt; }
+  std::vector<std::string> List(std::string_view type) override {
+    std::vector<std::string> names;
+    for (const EmbeddedBlock& block : EmbeddedBlocks())
+      if (block.type == type) names.emplace_back(block.name);
+    return names;
+  }
+  std::optional<std::string_view> Bytes(std::string_view type, std::string_view name) override {
+    for (const EmbeddedBlock& block : EmbeddedBlocks())
+      if (block.type == type && block.name == name) return block.bytes;
+    return std::nullopt;
+  }
 };
 
 class PosixFiles : public Files {
@@ -142,7 +152,7 @@ class PosixPlatform : public Platform {
   NoDevices devices_;
   PosixClock clock_;
   NoFrontEnd frontEnd_;
-  NoTextBlocks textBlocks_;
+  EmbeddedTextBlocks textBlocks_;
   PosixFiles files_;
 };
 
