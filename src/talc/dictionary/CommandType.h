@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <compare>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace TalcPathPrivate {
+
+/// The code of an ordinary command: which group, which part of it, which function.
+///
+///     byte 0   7..6 major   5..0 minor
+///     byte 1   7..1 function   0 request
+struct CommandType {
+  enum class Major : std::int32_t { VIDEO = 0, AUDIO = 1, SYSTEM = 2, DIAGNOSTIC = 3 };
+
+  Major major = Major::DIAGNOSTIC;
+  std::int16_t minor = -1;
+  std::int16_t function = -1;
+
+  friend auto operator<=>(const CommandType&, const CommandType&) = default;
+};
+
+/// A type in its two header bytes, with the direction.
+struct CodedCommandType {
+  CommandType type;
+  bool isRequest = false;
+};
+
+/// The word of a major type in a dictionary, or `unknown` for a number that is none.
+const char* MajorWord(CommandType::Major major, const char* unknown);
+/// The major type of a word, exactly as written in a dictionary.
+std::optional<CommandType::Major> FindMajor(std::string_view word);
+
+/// Nothing when the major type or the minor is out of range. The function is doubled and cut to its byte, whatever it
+/// is.
+std::optional<std::array<std::uint8_t, 2>> EncodeCommandType(const CommandType& type, bool isRequest);
+/// Every pair of bytes is a type.
+CodedCommandType DecodeCommandType(std::uint8_t first, std::uint8_t second);
+
+}  // namespace TalcPathPrivate

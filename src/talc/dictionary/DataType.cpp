@@ -1,0 +1,40 @@
+#include "dictionary/DataType.h"
+
+#include <array>
+
+namespace TalcPathPrivate {
+namespace {
+
+struct Row {
+  std::string_view word;
+  std::int32_t wireSize;
+};
+
+/// In the order of `DataType::Kind`.
+constexpr std::array<Row, 10> kRows{{{"INT8", 1},
+                                     {"UINT8", 1},
+                                     {"INT16", 2},
+                                     {"UINT16", 2},
+                                     {"INT32", 4},
+                                     {"UINT32", 4},
+                                     {"INT64", 8},
+                                     {"UINT64", 8},
+                                     {"BYTES", -1},
+                                     {"", 0}}};
+
+DataType::Kind KindOf(std::string_view word) {
+  std::size_t row = 0;
+  while (row + 1 < kRows.size() && kRows[row].word != word)
+    ++row;
+  return static_cast<DataType::Kind>(row);
+}
+
+}  // namespace
+
+DataType::DataType(std::string_view word) : word_(word), kind_(KindOf(word)) {}
+
+std::int32_t DataType::WireSize() const {
+  return kRows[static_cast<std::size_t>(kind_)].wireSize;
+}
+
+}  // namespace TalcPathPrivate

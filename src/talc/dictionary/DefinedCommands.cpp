@@ -1,0 +1,106 @@
+#include "dictionary/DefinedCommands.h"
+
+#include <exception>
+#include <new>
+
+namespace TalcPathPrivate {
+namespace {
+
+CommandTable* definedCommands = nullptr;
+CommandTypeTable* commandTypeTable = nullptr;
+DiagOpcodeTable* diagOpcodeTable = nullptr;
+CommandFormat* lastFound = nullptr;
+
+template <typename Table>
+Table* Have(Table*& table) {
+  if (table == nullptr) table = new (std::nothrow) Table;
+  return table;
+}
+
+template <typename Table>
+bool Delete(Table*& table, ErrorList& errors) {
+  errors.clear();
+  delete table;
+  table = nullptr;
+  return true;
+}
+
+/// The name under `code`, or null.
+template <typename Table, typename Code>
+const std::string* FindName(const Table* table, const Code& code) {
+  if (table == nullptr) return nullptr;
+  const auto found = table->find(code);
+  return found == table->end() ? nullptr : &found->second;
+}
+
+}  // namespace
+
+CommandTable* DefinedCommands() {
+  return Have(definedCommands);
+}
+CommandTypeTable* CommandTypes() {
+  return Have(commandTypeTable);
+}
+DiagOpcodeTable* DiagOpcodes() {
+  return Have(diagOpcodeTable);
+}
+
+CommandFormat* FindDefinedCommand(std::string_view name) {
+  if (lastFound != nullptr && lastFound->GetName() == name) return lastFound;
+  if (definedCommands == nullptr) return nullptr;
+  const auto found = definedCommands->find(name);
+  if (found == definedCommands->end()) return nullptr;
+  return lastFound = found->second.get();
+}
+
+const std::string* FindCommandType(const CommandType& type) {
+  return FindName(commandTypeTable, type);
+}
+const std::string* FindDiagOpcode(std::int16_t opcode) {
+  return FindName(diagOpcodeTable, opcode);
+}
+
+bool InsertDefinedCommand(CommandFormat* format) {
+  CommandTable* const table = DefinedCommands();
+  if (table == nullptr) return false;
+  const auto [place, isNew] = table->try_emplace(format->GetName(), nullptr);
+  if (isNew) place->second.reset(format);
+  return isNew;
+}
+
+bool InsertCommandType(const CommandType& type, const std::string& name) {
+  CommandTypeTable* const table = CommandTypes();
+  return table != nullptr && table->try_emplace(type, name).second;
+}
+
+bool InsertDiagOpcode(std::int16_t opcode, const std::string& name) {
+  DiagOpcodeTable* const table = DiagOpcodes();
+  return table != nullptr && table->try_emplace(opcode, name).second;
+}
+
+bool DeleteDefinedCommands(ErrorList& errors) {
+  errors.clear();
+  lastFound = nullptr;
+  if (definedCommands == nullptr) return true;
+  for (auto& [name, format] : *definedCommands) {
+    try {
+      format.reset();
+    } catch (const std::exception& error) {
+      errors.emplace_back(error.what());
+    } catch (...) {
+      errors.emplace_back("UnknownException");
+    }
+  }
+  delete definedCommands;
+  definedCommands = nullptr;
+  return errors.empty();
+}
+
+bool DeleteCommandTypeTable(ErrorList& errors) {
+  return Delete(commandTypeTable, errors);
+}
+bool DeleteDiagOpcodeTable(ErrorList& errors) {
+  return Delete(diagOpcodeTable, errors);
+}
+
+}  // namespace TalcPathPrivate

@@ -1,0 +1,147 @@
+#include "engine/Library.h"
+
+#include <exception>
+#include <memory>
+#include <string>
+
+#include "dictionary/DefinedCommands.h"
+#include "dictionary/Log.h"
+#include "engine/CommandLog.h"
+#include "engine/DictionaryFiles.h"
+#include "talcpath.h"
+
+using TalcPathPrivate::LogAlways;
+using TalcPathPrivate::LogVerbose;
+
+namespace TalcPathPrivate {
+namespace {
+
+struct LibraryState {
+  std::uint32_t initCount = 0;
+  bool terminatedCleanly = true;
+  std::unique_ptr<std::string> dictionaryDirectory;
+};
+LibraryState library;
+
+/// The files of the working directory, then those of the directory that was set. A failure does not stop the other.
+bool ReadDirectories(TCDFileProcessor& processor) {
+  bool isGood = true;
+  if (!ProcessDirectory("./", processor)) {
+    isGood = false;
+    LogVerbose("\n\nTalcPath failed initializing while reading current directory");
+  }
+  const std::string* const directory = library.dictionaryDirectory.get();
+  if (directory != nullptr && !directory->empty() && !ProcessDirectory(directory->c_str(), processor)) {
+    isGood = false;
+    LogVerbose("\n\nTalcPath failed initializing while reading directory : ", *directory);
+  }
+  return isGood;
+}
+
+/// Directories are read only by a program that carries no dictionary at all.
+bool ReadDictionaries(TCDFileProcessor& processor) {
+  bool isFound = false;
+  bool isGood = ProcessTextBlocks("RT_TCD_FILE", processor, isFound);
+  if (!isGood) LogVerbose("\n\nTalcPath failed initializing while reading Talc Command Definition resources");
+  if (!isFound && !ReadDirectories(processor)) isGood = false;
+  return isGood;
+}
+
+bool HasCommands() {
+  const CommandTable* const table = DefinedCommands();
+  return table != nullptr && !table->empty();
+}
+
+bool Start() {
+  ParseFileProcessor parser;
+  LogVerbose("\n<-> Initializing TalcPath...\n");
+  bool isGood = ReadDictionaries(parser);
+  if (!HasCommands()) {
+    LogAlways("\n\nTalcPath Initialization failed to find any Talc commands!!!!!!!");
+    isGood = false;
+  }
+  // Spelled so, and written also after a failure above: those who read logs look for this line.
+  LogVerbose("\n\nTalcPath initialized Hardware Capabilites");
+  return isGood;
+}
+
+bool StartCatchingAll() {
+  try {
+    return Start();
+  } catch (const std::exception& error) {
+    LogAlways("\n\nException while Initializing TalcPath : ", error.what());
+  } catch (...) {
+    LogAlways("\n\nUnknown Exception while Initializing TalcPath : ");
+  }
+  return false;
+}
+
+}  // namespace
+
+bool IsInitialized() {
+  return library.initCount != 0;
+}
+
+}  // namespace TalcPathPrivate
+
+namespace TalcPath {
+
+using TalcPathPrivate::library;
+
+bool TalcPathInit() {
+  if (library.initCount != 0) {
+    LogAlways("\n<-> TalcPath already inited\n");
+    ++library.initCount;
+    return true;
+  }
+  if (!library.terminatedCleanly) {
+    LogAlways("\n<-> ERROR TalcPath did not terminate cleanly!\n");
+    return false;
+  }
+  if (!TalcPathPrivate::StartCatchingAll()) {
+    LogAlways("\n>>> FAILED to initialize TalcPath <<<");
+    return false;
+  }
+  LogVerbose("\n<->Finished initializing TalcPath - no errors.");
+  ++library.initCount;
+  return true;
+}
+
+bool TalcPathTerminate() {
+  if (library.initCount == 0) return true;
+  if (--library.initCount != 0) return true;
+  if (!library.terminatedCleanly) return false;
+  TalcPathCloseCommandLog();
+  // One list for all three, each of which empties it first: what the first one found shows in the result alone.
+  TalcPathPrivate::ErrorList errors;
+  if (!TalcPathPrivate::DeleteDefinedCommands(errors)) library.terminatedCleanly = false;
+  if (!TalcPathPrivate::DeleteCommandTypeTable(errors)) library.terminatedCleanly = false;
+  if (!TalcPathPrivate::DeleteDiagOpcodeTable(errors)) library.terminatedCleanly = false;
+  library.dictionaryDirectory.reset();
+  if (!errors.empty()) {
+    LogAlways("\nErrors during termination... : ");
+    for (const std::string& error : errors)
+      LogAlways("\n\t", error);
+    library.terminatedCleanly = false;
+  }
+  return library.terminatedCleanly;
+}
+
+bool TalcPathSetDirectory(const char* directory) {
+  if (directory == nullptr) return false;
+  if (library.dictionaryDirectory == nullptr) library.dictionaryDirectory = std::make_unique<std::string>();
+  *library.dictionaryDirectory = directory;
+  return !library.dictionaryDirectory->empty();
+}
+
+bool TalcPathSetLogFlags(std::uint8_t, bool trace) {
+  TalcPathPrivate::logState.verbose = true;
+  TalcPathPrivate::logState.trace = trace;
+  return true;
+}
+
+void TalcPathSetLogStream(std::ostream* stream) {
+  TalcPathPrivate::logState.stream = stream;
+}
+
+}  // namespace TalcPath
