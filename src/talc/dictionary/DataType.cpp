@@ -7,7 +7,7 @@ namespace {
 
 struct Row {
   std::string_view word;
-  std::int32_t wireSize;
+  std::int8_t wireSize;
 };
 
 /// In the order of `DataType::Kind`.
@@ -22,19 +22,19 @@ constexpr std::array<Row, 10> kRows{{{"INT8", 1},
                                      {"BYTES", -1},
                                      {"", 0}}};
 
-DataType::Kind KindOf(std::string_view word) {
+std::size_t RowOf(std::string_view word) {
   std::size_t row = 0;
   while (row + 1 < kRows.size() && kRows[row].word != word)
     ++row;
-  return static_cast<DataType::Kind>(row);
+  return row;
 }
 
 }  // namespace
 
-DataType::DataType(std::string_view word) : word_(word), kind_(KindOf(word)) {}
-
-std::int32_t DataType::WireSize() const {
-  return kRows[static_cast<std::size_t>(kind_)].wireSize;
+DataType::DataType(std::string_view word) : word_(word) {
+  const std::size_t row = RowOf(word);
+  kind_ = static_cast<Kind>(row);
+  wireSize_ = kRows[row].wireSize;
 }
 
 }  // namespace TalcPathPrivate

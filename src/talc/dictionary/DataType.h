@@ -21,7 +21,7 @@ class DataType {
   Kind GetKind() const { return kind_; }
   bool IsBytes() const { return kind_ == Kind::kBytes; }
   /// 1, 2, 4 or 8 bytes; -1 for `BYTES`, which has the size of its value; 0 for an unknown word.
-  std::int32_t WireSize() const;
+  std::int32_t WireSize() const { return wireSize_; }
 
   /// Calls `use` with a std::type_identity of the integer type of this kind and gives its result; gives `other` when
   /// this is none of the eight integer types.
@@ -52,6 +52,7 @@ class DataType {
  private:
   std::string word_;
   Kind kind_ = Kind::kUnknown;
+  std::int8_t wireSize_ = 0;
 };
 
 }  // namespace TalcPathPrivate

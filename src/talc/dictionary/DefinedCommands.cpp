@@ -3,6 +3,8 @@
 #include <exception>
 #include <new>
 
+#include "dictionary/SameName.h"
+
 namespace TalcPathPrivate {
 namespace {
 
@@ -46,7 +48,7 @@ DiagOpcodeTable* DiagOpcodes() {
 }
 
 CommandFormat* FindDefinedCommand(std::string_view name) {
-  if (lastFound != nullptr && lastFound->GetName() == name) return lastFound;
+  if (lastFound != nullptr && IsSameName(lastFound->GetName(), name)) return lastFound;
   if (definedCommands == nullptr) return nullptr;
   const auto found = definedCommands->find(name);
   if (found == definedCommands->end()) return nullptr;

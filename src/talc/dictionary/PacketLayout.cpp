@@ -1,5 +1,6 @@
 #include "dictionary/PacketLayout.h"
 
+#include "dictionary/CommandContents.h"
 #include "dictionary/Log.h"
 #include "dictionary/TalcDataCommandFormat.h"
 
@@ -16,14 +17,23 @@ void LogNotFound(const ParameterFormat& parameter) {
   LogVerbose("\nParameter Not Found error - param name : ", parameter.name);
 }
 
+/// True for the values that a command of this direction does not carry.
 bool IsLeftOut(const ParameterFormat& parameter, const TalcCommand& command) {
-  return command.IsRequestCommand() && !parameter.isRequiredForRequestData;
+  return !parameter.isRequiredForRequestData && IsRequest(command);
 }
 
 /// The length of a `BYTES` value. One that is set to a symbol has none yet: the write finds out what is wrong with it.
 bool GetValueLength(const ParameterFormat& parameter, const TalcCommand& command, std::uint32_t& length) {
-  length = 0;
-  return command.IsSymbol(parameter.name) || command.GetBytesLength(parameter.name, &length);
+  const Variant* const value = FindValue(command, parameter.name);
+  if (value == nullptr) return false;
+  if (value->As<std::string>() != nullptr) {
+    length = 0;
+    return true;
+  }
+  const Bytes* const bytes = value->As<Bytes>();
+  if (bytes == nullptr) throw TalcPath::bad_variant_cast();
+  length = static_cast<std::uint32_t>(bytes->size());
+  return true;
 }
 
 /// First pass: the size of one parameter. False for a fault.
@@ -91,7 +101,7 @@ std::int32_t ComputePacketLayout(const TalcCommand* command, TalcDataCommandForm
            .sendPayloadSize = cursor - headerBytes,
            .requestSize = headerBytes + requestBytes,
            .requestPayloadSize = requestBytes};
-  const bool isRequest = command != nullptr && command->IsRequestCommand();
+  const bool isRequest = command != nullptr && IsRequest(*command);
   return static_cast<std::int32_t>(isRequest ? sizes.requestSize : sizes.sendSize);
 }
 

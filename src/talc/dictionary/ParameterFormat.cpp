@@ -4,8 +4,8 @@
 #include <ostream>
 #include <type_traits>
 
+#include "dictionary/CommandContents.h"
 #include "dictionary/Log.h"
-#include "dictionary/TypedValues.h"
 
 using TalcPath::TalcCommand;
 
@@ -37,22 +37,35 @@ T LoadBigEndian(const std::uint8_t* source) {
   return static_cast<T>(bits);
 }
 
-/// The number of bytes written, 0 when there is no such value or no room for it.
+/// The number of bytes written, 0 when there is no room for them.
 template <typename T>
-std::size_t WriteInteger(std::span<std::uint8_t> destination, const TalcCommand& command, std::string_view name) {
-  T value = 0;
-  if (!GetValue(command, name, value) || destination.size() < sizeof(T)) return 0;
-  StoreBigEndian(destination.data(), value);
+std::size_t WriteInteger(std::span<std::uint8_t> destination, const Variant& value) {
+  const T* const held = value.As<T>();
+  if (held == nullptr) throw TalcPath::bad_variant_cast();
+  if (destination.size() < sizeof(T)) return 0;
+  StoreBigEndian(destination.data(), *held);
   return sizeof(T);
 }
 
-std::size_t WriteBytes(std::span<std::uint8_t> destination, const TalcCommand& command, std::string_view name) {
-  const std::uint8_t* bytes = nullptr;
-  std::uint32_t length = 0;
-  // An empty value counts as missing.
-  if (!command.GetBytesPointer(name, &bytes, &length) || destination.size() < length) return 0;
-  std::copy_n(bytes, length, destination.data());
-  return length;
+std::size_t WriteBytes(std::span<std::uint8_t> destination, const Variant& value) {
+  // Empty, it counts as missing, and so does a value of another kind.
+  const Bytes* const bytes = value.As<Bytes>();
+  if (bytes == nullptr || destination.size() < bytes->size()) return 0;
+  std::copy(bytes->begin(), bytes->end(), destination.begin());
+  return bytes->size();
+}
+
+inline bool WriteValue(const DataType& type, std::span<std::uint8_t> destination, const Variant* value) {
+  if (destination.data() == nullptr || value == nullptr) return false;
+  const std::size_t written =
+      type.IsBytes()
+          ? WriteBytes(destination, *value)
+          : type.WithInteger(
+                [&]<typename T>(std::type_identity<T>) -> std::size_t { return WriteInteger<T>(destination, *value); },
+                0);
+  if (written == 0) return false;
+  LogTrace(" NumBytes: ", written);
+  return true;
 }
 
 template <typename T>
@@ -68,26 +81,15 @@ bool IsValidName(std::string_view text) {
   return std::all_of(text.begin(), text.end(), IsNameCharacter);
 }
 
-void ParameterFormat::Reset() {
-  packetPosition = {.packetOffset = -1, .numBytes = -1};
-  size = 0;
-  isVariableLength = false;
+bool ParameterFormat::WriteData(std::span<std::uint8_t> destination, const Variant* value) const {
+  return WriteValue(dataType, destination, value);
 }
 
 bool ParameterFormat::WriteData(std::span<std::uint8_t> destination, const TalcCommand& command) const {
-  if (destination.data() == nullptr) return false;
-  const std::size_t written = dataType.IsBytes() ? WriteBytes(destination, command, name)
-                                                 : dataType.WithInteger(
-                                                       [&]<typename T>(std::type_identity<T>) -> std::size_t {
-                                                         return WriteInteger<T>(destination, command, name);
-                                                       },
-                                                       0);
-  if (written == 0) return false;
-  LogTrace(" NumBytes: ", written);
-  return true;
+  return WriteData(destination, FindValue(command, name));
 }
 
-bool ParameterFormat::WriteParameterData(std::span<std::uint8_t> packet, const TalcCommand& command) const {
+bool ParameterFormat::WriteParameterData(std::span<std::uint8_t> packet, const Variant* value) const {
   if (!HasValidPacketInfo()) return false;
   LogTrace("\n\tWriting Parameter : ", name, " Type : ", dataType.Word());
   if (packetPosition.numBytes != size) {
@@ -95,7 +97,11 @@ bool ParameterFormat::WriteParameterData(std::span<std::uint8_t> packet, const T
     return false;
   }
   const auto offset = static_cast<std::size_t>(packetPosition.packetOffset);
-  return offset <= packet.size() && WriteData(packet.subspan(offset), command);
+  return offset <= packet.size() && WriteValue(dataType, packet.subspan(offset), value);
+}
+
+bool ParameterFormat::WriteParameterData(std::span<std::uint8_t> packet, const TalcCommand& command) const {
+  return WriteParameterData(packet, FindValue(command, name));
 }
 
 std::uint32_t ParameterFormat::ReadParameterData(std::span<const std::uint8_t> source, TalcCommand& command) const {

@@ -13,6 +13,8 @@
 
 namespace TalcPathPrivate {
 
+class Variant;
+
 /// Texts of what is wrong with a definition.
 using ErrorList = std::vector<std::string>;
 
@@ -34,7 +36,11 @@ class ParameterFormat {
     return packetPosition.packetOffset >= 0 && packetPosition.numBytes >= 1 && size >= 1;
   }
   /// Forgets the present layout.
-  void Reset();
+  void Reset() {
+    packetPosition = {.packetOffset = -1, .numBytes = -1};
+    size = 0;
+    isVariableLength = false;
+  }
 
   /// Encodes the command's value of this name at the start of `destination`, most significant byte first. False when
   /// the command has no such value, when a `BYTES` value is empty, and when the value does not fit; nothing is written
@@ -42,6 +48,9 @@ class ParameterFormat {
   bool WriteData(std::span<std::uint8_t> destination, const TalcPath::TalcCommand& command) const;
   /// The same at the field's place in a packet. False without a place.
   bool WriteParameterData(std::span<std::uint8_t> packet, const TalcPath::TalcCommand& command) const;
+  /// The two above with a value that was looked up already; null is no value.
+  bool WriteData(std::span<std::uint8_t> destination, const Variant* value) const;
+  bool WriteParameterData(std::span<std::uint8_t> packet, const Variant* value) const;
   /// Decodes a value from the start of `source` into the command and gives the number of bytes taken; 0, and no value,
   /// when there are too few. `BYTES` takes all there are; 0 of them make an empty value.
   std::uint32_t ReadParameterData(std::span<const std::uint8_t> source, TalcPath::TalcCommand& command) const;

@@ -6,7 +6,9 @@
 
 using TalcPathPrivate::Bytes;
 using TalcPathPrivate::CommandContents;
-using TalcPathPrivate::Variant;
+using TalcPathPrivate::FindExactly;
+using TalcPathPrivate::FindValue;
+using TalcPathPrivate::SetValue;
 using TalcPathPrivate::variant_cast;
 
 namespace TalcPath {
@@ -39,38 +41,16 @@ std::unique_ptr<CommandContents> MakeNamed(std::string_view name) {
   }
 }
 
-const Variant* Find(const TalcCommand& command, std::string_view name) {
-  const CommandContents* const contents = ContentsOf(command);
-  return contents == nullptr ? nullptr : contents->parameters.Find(name);
-}
-
 template <typename T>
 bool Get(const TalcCommand& command, std::string_view name, T* value) {
-  const Variant* const found = Find(command, name);
-  if (value == nullptr || found == nullptr) return false;
-  *value = variant_cast<T>(*found);
+  if (value == nullptr) return false;
+  const T* const held = FindExactly<T>(command, name);
+  if (held == nullptr) return false;
+  *value = *held;
   return true;
 }
 
-template <typename T>
-void Set(TalcCommand& command, std::string_view name, T value) {
-  if (CommandContents* const contents = ContentsOf(command)) contents->parameters.Set(name, std::move(value));
-}
-
-/// The value where it is, or null when there is none. Throws for a value of another kind.
-const Bytes* FindBytes(const TalcCommand& command, std::string_view name) {
-  const Variant* const found = Find(command, name);
-  if (found == nullptr) return nullptr;
-  const Bytes* const bytes = variant_cast<Bytes>(found);
-  if (bytes == nullptr) throw bad_variant_cast();
-  return bytes;
-}
-
 }  // namespace
-
-CommandContents* ContentsOf(const TalcCommand& command) {
-  return command.contents_.get();
-}
 
 TalcCommand::TalcCommand() : contents_(MakeContents(nullptr)) {}
 TalcCommand::TalcCommand(std::string_view name) : contents_(MakeNamed(name)) {}
@@ -143,28 +123,28 @@ bool TalcCommand::IsTimeOut() const {
 }
 
 void TalcCommand::SetInt8(std::string_view name, std::int8_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetUInt8(std::string_view name, std::uint8_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetInt16(std::string_view name, std::int16_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetUInt16(std::string_view name, std::uint16_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetInt32(std::string_view name, std::int32_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetUInt32(std::string_view name, std::uint32_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetInt64(std::string_view name, std::int64_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetUInt64(std::string_view name, std::uint64_t value) {
-  Set(*this, name, value);
+  SetValue(*this, name, value);
 }
 void TalcCommand::SetBytes(std::string_view name, const std::uint8_t* bytes, std::uint32_t length) {
   if (contents_) contents_->parameters.SetBytes(name, {bytes, bytes == nullptr ? 0 : length});
@@ -172,7 +152,7 @@ void TalcCommand::SetBytes(std::string_view name, const std::uint8_t* bytes, std
 void TalcCommand::SetSymbol(std::string_view name, std::string_view symbol) {
   // Without a report, and whatever was there stays.
   if (symbol.empty() || symbol.size() >= kSymbolLimit) return;
-  Set(*this, name, std::string(symbol));
+  SetValue(*this, name, std::string(symbol));
 }
 
 bool TalcCommand::GetInt8(std::string_view name, std::int8_t* value) const {
@@ -202,7 +182,7 @@ bool TalcCommand::GetUInt64(std::string_view name, std::uint64_t* value) const {
 
 bool TalcCommand::GetBytesLength(std::string_view name, std::uint32_t* length) const {
   if (length == nullptr) return false;
-  const Bytes* const bytes = FindBytes(*this, name);
+  const Bytes* const bytes = FindExactly<Bytes>(*this, name);
   if (bytes == nullptr) return false;
   *length = static_cast<std::uint32_t>(bytes->size());
   return true;
@@ -210,7 +190,7 @@ bool TalcCommand::GetBytesLength(std::string_view name, std::uint32_t* length) c
 
 bool TalcCommand::GetBytes(std::string_view name, std::uint8_t* destination, std::uint32_t capacity,
                            std::uint32_t* length) const {
-  const Bytes* const bytes = FindBytes(*this, name);
+  const Bytes* const bytes = FindExactly<Bytes>(*this, name);
   if (bytes == nullptr) return false;
   // The length is told even when the value does not fit.
   if (length != nullptr) *length = static_cast<std::uint32_t>(bytes->size());
@@ -221,7 +201,7 @@ bool TalcCommand::GetBytes(std::string_view name, std::uint8_t* destination, std
 
 bool TalcCommand::GetBytesPointer(std::string_view name, const std::uint8_t** bytes, std::uint32_t* length) const {
   if (bytes == nullptr || length == nullptr) return false;
-  const Bytes* const found = variant_cast<Bytes>(Find(*this, name));
+  const Bytes* const found = variant_cast<Bytes>(FindValue(*this, name));
   if (found == nullptr || found->empty()) return false;
   *bytes = found->data();
   *length = static_cast<std::uint32_t>(found->size());
@@ -229,16 +209,16 @@ bool TalcCommand::GetBytesPointer(std::string_view name, const std::uint8_t** by
 }
 
 bool TalcCommand::IsSymbol(std::string_view name) const {
-  return variant_cast<std::string>(Find(*this, name)) != nullptr;
+  return variant_cast<std::string>(FindValue(*this, name)) != nullptr;
 }
 
 bool TalcCommand::IsParameterEqualToSymbolName(std::string_view name, std::string_view symbol) const {
-  const std::string* const found = variant_cast<std::string>(Find(*this, name));
+  const std::string* const found = variant_cast<std::string>(FindValue(*this, name));
   return found != nullptr && *found == symbol;
 }
 
 bool TalcCommand::GetSymbol(std::string_view name, char* buffer, std::uint32_t capacity) const {
-  const std::string* const found = variant_cast<std::string>(Find(*this, name));
+  const std::string* const found = variant_cast<std::string>(FindValue(*this, name));
   if (buffer == nullptr || found == nullptr || found->size() > capacity) return false;
   std::fill_n(buffer, capacity, '\0');
   std::copy(found->begin(), found->end(), buffer);
@@ -246,7 +226,7 @@ bool TalcCommand::GetSymbol(std::string_view name, char* buffer, std::uint32_t c
 }
 
 bool TalcCommand::HasParameter(std::string_view name) const {
-  return Find(*this, name) != nullptr;
+  return FindValue(*this, name) != nullptr;
 }
 
 void TalcCommand::ClearParameters() {

@@ -61,24 +61,31 @@ class Variant {
   explicit Variant(TextList value) { Hold(std::move(value)); }
   explicit Variant(Range value) { Hold(std::move(value)); }
 
-  Variant(const Variant& other) : content_(other.content_ ? other.content_->Clone() : nullptr) {}
-  Variant(Variant&&) = default;
+  Variant(const Variant& other) : content_(other.content_ ? other.content_->Clone() : nullptr), type_(other.type_) {}
+  Variant(Variant&& other) noexcept { Swap(other); }
   Variant& operator=(const Variant& other) {
     Variant copy(other);
     Swap(copy);
     return *this;
   }
-  Variant& operator=(Variant&&) = default;
+  Variant& operator=(Variant&& other) noexcept {
+    Swap(other);
+    return *this;
+  }
   ~Variant() = default;
 
-  void Swap(Variant& other) noexcept { content_.swap(other.content_); }
+  void Swap(Variant& other) noexcept {
+    content_.swap(other.content_);
+    std::swap(type_, other.type_);
+  }
   /// The stored value's type; void when empty.
-  const std::type_info& Type() const { return content_ ? content_->Type() : typeid(void); }
+  const std::type_info& Type() const { return *type_; }
 
   /// The stored value if it is exactly a T, else null.
   template <typename T>
   const T* As() const {
-    if (Type() != typeid(T)) return nullptr;
+    // Every variant is made in this library, so one type has one identity.
+    if (type_ != &typeid(T)) return nullptr;
     return &static_cast<const VariantImpl::Holder<T>*>(content_.get())->value;
   }
   template <typename T>
@@ -90,9 +97,12 @@ class Variant {
   template <typename T>
   void Hold(T value) {
     content_ = std::make_unique<VariantImpl::Holder<T>>(std::move(value));
+    type_ = &content_->Type();
   }
 
   std::unique_ptr<VariantImpl::VariantContentBase> content_;
+  /// What the content says of itself; asked for at every access.
+  const std::type_info* type_ = &typeid(void);
 };
 
 template <typename T>

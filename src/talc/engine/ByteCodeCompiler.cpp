@@ -4,12 +4,12 @@
 #include <optional>
 #include <type_traits>
 
+#include "dictionary/CommandContents.h"
 #include "dictionary/DefinedCommands.h"
 #include "dictionary/DiagCommandFormat.h"
 #include "dictionary/Log.h"
 #include "dictionary/PacketLayout.h"
 #include "dictionary/TalcCommandFormat.h"
-#include "dictionary/TypedValues.h"
 #include "engine/PacketHeader.h"
 
 using TalcPath::TalcByteCode;
@@ -18,10 +18,10 @@ using TalcPath::TalcPathStatus;
 
 namespace TalcPathPrivate {
 
-// The packet stays uninitialised: WritePacket fills what it sends.
+// The spare packet stays uninitialised: each byte that is sent is written.
 ByteCodeCompiler::ByteCodeCompiler(TalcCommand& command, TalcByteCode& byteCode, std::uint32_t* overrideTimeoutMillisec,
                                    TalcPathStatus* status)
-    : command_(command), byteCode_(byteCode), status_(status) {
+    : command_(command), byteCode_(byteCode), status_(status), isRequest_(IsRequest(command)) {
   byteCode_.Clear();
   CommandFormat* const format = FindDefinedCommand(command.GetName());
   if (format == nullptr) {
@@ -46,11 +46,11 @@ bool ByteCodeCompiler::Fail(TalcPathStatus reason) {
 }
 
 std::uint32_t ByteCodeCompiler::TotalBytes() const {
-  return command_.IsSendCommand() ? sizes_.sendSize : sizes_.requestSize;
+  return isRequest_ ? sizes_.requestSize : sizes_.sendSize;
 }
 
 std::uint32_t ByteCodeCompiler::PayloadBytes() const {
-  return command_.IsSendCommand() ? sizes_.sendPayloadSize : sizes_.requestPayloadSize;
+  return isRequest_ ? sizes_.requestPayloadSize : sizes_.sendPayloadSize;
 }
 
 bool ByteCodeCompiler::Compile() {
@@ -85,10 +85,13 @@ bool ByteCodeCompiler::DetermineSizes() {
 
 bool ByteCodeCompiler::WritePacket() {
   LogTrace("\n\tCompiling Packet ");
+  const std::uint32_t totalBytes = TotalBytes();
+  std::uint8_t* const block = byteCode_.Reserve(totalBytes);
+  packet_ = {block != nullptr ? block : sparePacket_.data(), totalBytes};
   if (!WriteHeader()) return Fail(TalcPath::kTPInvalidCommandHeader);
   if (!WriteParameters()) return false;
   // Without memory the packet stays empty, and that is found where it is asked for.
-  byteCode_.Set(packet_.data(), TotalBytes());
+  byteCode_.size_ = block != nullptr ? totalBytes : 0;
   LogTrace("\n\tFinished Packet");
   return true;
 }
@@ -103,8 +106,7 @@ bool ByteCodeCompiler::WriteTalcHeader() {
   packet_[1] = kPacketMark;
   Store16(&packet_[kLengthOffset], kCountedHeaderBytes + PayloadBytes());
   LogTrace("\n\tWriting Talc Command Header");
-  const auto code =
-      EncodeCommandType(static_cast<const TalcCommandFormat*>(format_)->GetCommandType(), command_.IsRequestCommand());
+  const auto code = EncodeCommandType(static_cast<const TalcCommandFormat*>(format_)->GetCommandType(), isRequest_);
   if (!code) {
     LogTrace("\n\tError writing Talc Command header");
     return false;
@@ -134,15 +136,17 @@ bool ByteCodeCompiler::WriteParameters() {
   std::size_t written = format_->IsDiagCommandFormat() ? kDiagHeaderBytes : kTalcHeaderBytes;
   for (const ParameterFormat& parameter : format_->Parameters()) {
     // The first that a request does not carry ends it, also where one behind it counts in its size.
-    if (command_.IsRequestCommand() && !parameter.isRequiredForRequestData) break;
-    if (command_.IsSymbol(parameter.name) && !ConvertSymbol(parameter))
-      return Fail(TalcPath::kTPInvalidSymbolicConstant);
-    if (!parameter.WriteParameterData(packet_, command_)) return Fail(TalcPath::kTPCompileMissingParameterData);
+    if (isRequest_ && !parameter.isRequiredForRequestData) break;
+    const Variant* value = FindValue(command_, parameter.name);
+    if (variant_cast<std::string>(value) != nullptr) {
+      if (!ConvertSymbol(parameter)) return Fail(TalcPath::kTPInvalidSymbolicConstant);
+      value = FindValue(command_, parameter.name);
+    }
+    if (!parameter.WriteParameterData(packet_, value)) return Fail(TalcPath::kTPCompileMissingParameterData);
     written += static_cast<std::size_t>(parameter.size);
   }
   // What counts in the size and was not written is zero.
-  const std::size_t totalBytes = TotalBytes();
-  if (written < totalBytes) std::fill(packet_.begin() + written, packet_.begin() + totalBytes, std::uint8_t{0});
+  std::ranges::fill(packet_.subspan(std::min(written, packet_.size())), std::uint8_t{0});
   return true;
 }
 

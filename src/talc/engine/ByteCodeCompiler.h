@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 #include "dictionary/PacketSizes.h"
 #include "dictionary/TalcDataCommandFormat.h"
@@ -41,10 +42,13 @@ class ByteCodeCompiler {
   TalcPath::TalcCommand& command_;
   TalcPath::TalcByteCode& byteCode_;
   TalcPath::TalcPathStatus* const status_;
+  const bool isRequest_;
   TalcDataCommandFormat* format_ = nullptr;
   PacketSizes sizes_;
-  // Filled as far as the packet goes, and no further.
-  std::array<std::uint8_t, GetMaxPacketTotalSizeInBytes()> packet_;
+  /// The packet: the block of the byte code or, without memory for that, the spare one, so that what is wrong with the
+  /// command is found out all the same.
+  std::span<std::uint8_t> packet_;
+  std::array<std::uint8_t, GetMaxPacketTotalSizeInBytes()> sparePacket_;
 };
 
 }  // namespace TalcPathPrivate

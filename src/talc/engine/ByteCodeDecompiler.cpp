@@ -5,7 +5,7 @@
 #include "dictionary/CommandContents.h"
 #include "dictionary/DefinedCommands.h"
 #include "dictionary/Log.h"
-#include "dictionary/TalcDataCommandFormat.h"
+#include "dictionary/PacketSizes.h"
 #include "engine/PacketHeader.h"
 
 using TalcPath::TalcByteCode;
@@ -34,7 +34,7 @@ bool ByteCodeDecompiler::Decompile(bool tolerant) {
 
   command_.SetStatus(headerStatus_);
   if (headerStatus_ != TalcPath::kTPSuccess) return true;
-  if (command_.IsSendCommand() && !tolerant) {
+  if (!IsRequest(command_) && !tolerant) {
     if (packet_.size() != kTalcHeaderBytes)
       LogTrace("\nWARNING - Response packet for a Send Command was longer than 2 byte standard - extra data ignored");
     return true;
@@ -103,14 +103,13 @@ bool ByteCodeDecompiler::ReadOpcode() {
 }
 
 bool ByteCodeDecompiler::ReadParameters() {
-  auto* const format = dynamic_cast<TalcDataCommandFormat*>(format_);
-  if (format == nullptr) return false;
-  const bool isDiag = format->IsDiagCommandFormat();
+  if (format_->IsMetaCommandFormat()) return false;
+  const bool isDiag = format_->IsDiagCommandFormat();
   // The length field counts from behind itself, so of the 8 header bytes 4 are in it. A diagnostic reply has no such
   // field: its count begins at 0 and wraps round, so that only the end of the packet bounds its values.
   std::uint32_t remaining = payloadSize_ - (isDiag ? kDiagHeaderBytes : kCountedHeaderBytes);
   std::span<const std::uint8_t> rest = packet_.subspan(isDiag ? kDiagHeaderBytes : kTalcHeaderBytes);
-  for (const ParameterFormat& parameter : format->Parameters()) {
+  for (const ParameterFormat& parameter : format_->Parameters()) {
     const bool isVariable = parameter.dataType.IsBytes();
     if (remaining == 0 && !isVariable) return false;
     // The field is the sender's word; the bytes that are there are another bound.

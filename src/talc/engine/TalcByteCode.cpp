@@ -1,6 +1,8 @@
-#include <algorithm>
 #include <array>
+#include <cstring>
 #include <new>
+#include <span>
+#include <utility>
 
 #include "engine/PacketHeader.h"
 #include "talcpath.h"
@@ -17,18 +19,21 @@ void TalcByteCode::Clear() {
   size_ = 0;
 }
 
+std::uint8_t* TalcByteCode::Reserve(std::uint32_t count) {
+  size_ = 0;
+  if (count > capacity_) {
+    block_.reset(new (std::nothrow) std::uint8_t[count]);
+    capacity_ = block_ != nullptr ? count : 0;
+  }
+  return block_.get();
+}
+
 bool TalcByteCode::Set(const std::uint8_t* bytes, std::uint32_t count) {
   if (bytes == nullptr || count == 0) return false;
-  if (count > capacity_) {
-    // The bytes may lie in the old block, so that goes last.
-    std::unique_ptr<std::uint8_t[]> block(new (std::nothrow) std::uint8_t[count]);
-    if (block != nullptr) std::copy_n(bytes, count, block.get());
-    block_.swap(block);
-    capacity_ = block_ != nullptr ? count : 0;
-    size_ = capacity_;
-    return block_ != nullptr;
-  }
-  std::copy(bytes, bytes + count, block_.get());
+  // The bytes may lie in the old block, so that goes last.
+  const std::unique_ptr<std::uint8_t[]> old = count > capacity_ ? std::move(block_) : nullptr;
+  if (Reserve(count) == nullptr) return false;
+  std::memmove(block_.get(), bytes, count);
   size_ = count;
   return true;
 }

@@ -31,8 +31,9 @@
 ///
 /// The library is for one thread at a time. Start and stop change what all commands are compiled with.
 namespace TalcPathPrivate {
+class ByteCodeCompiler;
 struct CommandContents;
-}
+}  // namespace TalcPathPrivate
 
 namespace TalcPath {
 
@@ -214,6 +215,10 @@ class TalcByteCode {
   void SetResponseSuccess();
 
  private:
+  friend class TalcPathPrivate::ByteCodeCompiler;
+
+  /// Makes room for `count` bytes, whose content is whatever it is, and empties the packet. Null without memory.
+  std::uint8_t* Reserve(std::uint32_t count);
   void SetResponse(std::uint8_t status);
 
   std::unique_ptr<std::uint8_t[]> block_;
