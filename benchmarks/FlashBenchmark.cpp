@@ -11,15 +11,13 @@
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
-#include <string>
 #include <vector>
 
 #include "board/C28FxJ3A.h"
+#include "FastestReporter.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -225,35 +223,6 @@ constexpr char kProgram[] = "program_128KiB_block";
 constexpr char kProgramFloor[] = "program_128KiB_block_floor";
 constexpr char kProgramTrapFloor[] = "program_128KiB_block_floor_through_trap";
 
-/// Prints what sums the repetitions of a benchmark up, and keeps the fastest of them.
-class FastestReporter final : public benchmark::ConsoleReporter {
- public:
-  FastestReporter() : ConsoleReporter(OO_Tabular) {}
-
-  void ReportRuns(const std::vector<Run>& runs) override {
-    std::vector<Run> summary;
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Aggregate || run.error_occurred) summary.push_back(run);
-      if (run.run_type == Run::RT_Aggregate || run.error_occurred) continue;
-      const double seconds = run.cpu_accumulated_time / static_cast<double>(run.iterations);
-      const auto [fastest, isNew] = fastest_.try_emplace(run.run_name.function_name, seconds);
-      if (!isNew) fastest->second = std::min(fastest->second, seconds);
-    }
-    ConsoleReporter::ReportRuns(summary);
-  }
-
-  /// Prints nothing for what was filtered out.
-  void PrintRatio(const char* text, const char* measured, const char* floor) const {
-    const auto over = fastest_.find(measured);
-    const auto under = fastest_.find(floor);
-    if (over != fastest_.end() && under != fastest_.end())
-      std::printf("%s: %.2f times the floor\n", text, over->second / under->second);
-  }
-
- private:
-  std::map<std::string, double> fastest_;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -267,10 +236,7 @@ int main(int argc, char** argv) {
     return 1;
   }
 
-  // Short and many, so that some of them are not disturbed by what else the machine does.
-  const auto add = [](const char* name, void (*run)(benchmark::State&)) {
-    benchmark::RegisterBenchmark(name, run)->Unit(benchmark::kMicrosecond)->MinTime(0.1)->Repetitions(10);
-  };
+  const auto add = [](const char* name, void (*run)(benchmark::State&)) { AddRepeated(name, run); };
   add(kRead, Read);
   add(kReadFloor, ReadFloor);
   add(kProgram, Program);
@@ -280,8 +246,8 @@ int main(int argc, char** argv) {
   FastestReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   std::printf("\nProgramming runs on a trap that stands in for a ready chip, its floor on plain memory.\n");
-  reporter.PrintRatio("read 1 MiB", kRead, kReadFloor);
-  reporter.PrintRatio("program 128 KiB block", kProgram, kProgramFloor);
-  reporter.PrintRatio("program 128 KiB block, its floor on the trap too", kProgram, kProgramTrapFloor);
+  reporter.PrintRatio("read 1 MiB", kRead, kReadFloor, "the floor");
+  reporter.PrintRatio("program 128 KiB block", kProgram, kProgramFloor, "the floor");
+  reporter.PrintRatio("program 128 KiB block, its floor on the trap too", kProgram, kProgramTrapFloor, "the floor");
   return 0;
 }
