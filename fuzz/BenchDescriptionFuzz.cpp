@@ -6,14 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "FuzzInput.h"
 #include "simulator/BenchDescription.h"
 #include "simulator/BenchError.h"
 
 namespace {
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 void RequireOneLine(std::string_view text) {
   Require(!text.empty());

@@ -11,15 +11,12 @@
 
 #include "download/ZerinHelper.h"
 #include "errorException.h"
+#include "FuzzInput.h"
 
 namespace {
 
 /// The longest header that leaves room for the 80 characters of the stamp's text.
 constexpr std::uint32_t kLongestHeader = 12 + 0x1FFF5 - 80;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 }  // namespace
 

@@ -17,6 +17,7 @@
 #include "board/DriverRecords.h"
 #include "board/MorvakHelper.h"
 #include "errorException.h"
+#include "FuzzInput.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -25,38 +26,6 @@ using platform::Handle;
 using platform::kInvalidHandle;
 
 constexpr Handle kUntouched = 0x77;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
-
-class Input {
- public:
-  explicit Input(std::span<const std::uint8_t> bytes) : bytes_(bytes) {}
-  bool AtEnd() const { return bytes_.empty(); }
-  std::uint8_t Byte() {
-    if (bytes_.empty()) return 0;
-    const std::uint8_t byte = bytes_.front();
-    bytes_ = bytes_.subspan(1);
-    return byte;
-  }
-  bool Flag() { return (Byte() & 1) != 0; }
-  std::uint32_t Word() {
-    std::uint32_t word = 0;
-    for (int shift = 0; shift < 32; shift += 8)
-      word |= std::uint32_t{Byte()} << shift;
-    return word;
-  }
-  /// At most `length` bytes, fewer at the end.
-  std::span<const std::uint8_t> Bytes(std::size_t length) {
-    const auto taken = bytes_.first(std::min(length, bytes_.size()));
-    bytes_ = bytes_.subspan(taken.size());
-    return taken;
-  }
-
- private:
-  std::span<const std::uint8_t> bytes_;
-};
 
 class NoTrap : public platform::RegisterTrap {
  public:

@@ -11,6 +11,7 @@
 
 #include "board/C28FxJ3A.h"
 #include "download/InstallerStamp.h"
+#include "FuzzInput.h"
 
 namespace {
 
@@ -20,10 +21,6 @@ constexpr std::size_t kPrefixBytes = 6;
 constexpr std::uint32_t kImageAreaStart = 0x200000;
 constexpr std::uint32_t kImageAreaEnd = 0x400000;
 constexpr std::uint32_t kFormatByte = kImageAreaEnd - 6;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 std::uint32_t LittleEndian(Bytes bytes) {
   std::uint32_t number = 0;

@@ -14,14 +14,11 @@
 
 #include "container/RbiContainer.h"
 #include "container/ScanHex.h"
+#include "FuzzInput.h"
 
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 /// One file without a name, filled anew for each input.
 class InputFile {

@@ -9,15 +9,12 @@
 #include <string_view>
 #include <vector>
 
+#include "FuzzInput.h"
 #include "installer/VpdBlock.h"
 
 namespace {
 
 using Bytes = std::span<const std::uint8_t>;
-
-void Require(bool holds) {
-  if (!holds) std::abort();
-}
 
 /// The contents of all fields resources in a row, or nothing for a damaged block.
 std::optional<std::string> FieldsOf(Bytes block) {
