@@ -1,75 +1,18 @@
 #include "ContainerFile.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <stdexcept>
-#include <system_error>
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::string_view kMagic = "ORBO.RBI";
 constexpr std::size_t kFixedHeaderBytes = 22;
-/// A partial file of this name may be left over from a run that was killed; the next name is taken then.
-constexpr int kPartialNames = 100;
-
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-[[noreturn]] void Fail(const std::string& what, const fs::path& path, int error) {
-  throw std::runtime_error(what + " " + path.string() + ": " + std::generic_category().message(error));
-}
 
 void AppendBigEndian32(std::string& bytes, std::uint32_t number) {
   for (int shift = 24; shift >= 0; shift -= 8)
     bytes += static_cast<char>(number >> shift & 0xFF);
 }
-
-/// A new file beside `target`; `path` gets its name.
-File CreateBeside(const fs::path& target, fs::path& path) {
-  for (int n = 0; n < kPartialNames; ++n) {
-    path = target;
-    path += ".partial" + std::to_string(n);
-    File file(std::fopen(path.string().c_str(), "wbx"));
-    if (file != nullptr) return file;
-    if (errno != EEXIST) break;
-  }
-  Fail("cannot write", target, errno);
-}
-
-/// Removes the partial file unless it has become the target.
-class PartialFile {
- public:
-  explicit PartialFile(const fs::path& target) : target_(target), file_(CreateBeside(target, path_)) {}
-  ~PartialFile() {
-    file_.reset();
-    std::error_code ignored;
-    if (!path_.empty()) fs::remove(path_, ignored);
-  }
-  PartialFile(const PartialFile&) = delete;
-  PartialFile& operator=(const PartialFile&) = delete;
-
-  void Write(std::string_view bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) Fail("cannot write", target_, errno);
-  }
-  void TakeItsPlace() {
-    if (std::fclose(file_.release()) != 0) Fail("cannot write", target_, errno);
-    std::error_code error;
-    fs::rename(path_, target_, error);
-    if (error) Fail("cannot write", target_, error.value());
-    path_.clear();
-  }
-
- private:
-  fs::path target_;
-  fs::path path_;
-  File file_;
-};
 
 }  // namespace
 
@@ -83,27 +26,4 @@ std::string BuildContainer(std::string_view partId, std::uint16_t version, std::
   AppendBigEndian32(container, static_cast<std::uint32_t>(kFixedHeaderBytes + taggedText.size()));
   container.append(revision).append(partId).append(taggedText).append(payload);
   return container;
-}
-
-std::string ReadWhole(const fs::path& path) {
-  const File file(std::fopen(path.string().c_str(), "rb"));
-  if (file == nullptr) Fail("cannot read", path, errno);
-  std::string bytes;
-  char part[65536];
-  while (const std::size_t count = std::fread(part, 1, sizeof(part), file.get()))
-    bytes.append(part, count);
-  if (std::ferror(file.get()) != 0) Fail("cannot read", path, errno);
-  return bytes;
-}
-
-void WriteWhole(const fs::path& path, std::string_view bytes) {
-  std::error_code error;
-  // Behind a link stands the file that is meant; the link stays.
-  const fs::path target = fs::weakly_canonical(path, error);
-  if (error) Fail("cannot write", path, error.value());
-  if (fs::exists(target, error) && !fs::is_regular_file(target, error))
-    throw std::runtime_error("cannot write " + path.string() + ": not an ordinary file");
-  PartialFile file(target);
-  file.Write(bytes);
-  file.TakeItsPlace();
 }

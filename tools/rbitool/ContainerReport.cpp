@@ -8,30 +8,16 @@
 #include <span>
 
 #include "container/RbiContainer.h"
+#include "support/JsonText.h"
 
 namespace {
 
 using Json = nlohmann::json;
 
-/// JSON texts are UTF-8; each byte becomes the character of its own number.
-Json Latin1(std::string_view bytes) {
-  std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      text += c;
-    } else {
-      text += static_cast<char>(0xC0 | byte >> 6);
-      text += static_cast<char>(0x80 | (byte & 0x3F));
-    }
-  }
-  return text;
-}
-
 /// A field that was copied over zeros without a terminator of its own.
 Json Copied(std::span<const char> field) {
   const auto end = std::find(field.begin(), field.end(), '\0');
-  return Latin1({field.data(), static_cast<std::size_t>(end - field.begin())});
+  return Latin1Text({field.data(), static_cast<std::size_t>(end - field.begin())});
 }
 
 Json NumberField(std::span<const std::uint8_t> container) {
@@ -47,8 +33,8 @@ Json NumberField(std::span<const std::uint8_t> container) {
 
 std::string ReportContainer(std::string_view id, unsigned version, std::string_view bytes) {
   const std::span container(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-  Json report = {{"id", Latin1(id)},    {"version", version}, {"header", nullptr}, {"payload", nullptr},
-                 {"revision", nullptr}, {"string", nullptr},  {"number", nullptr}};
+  Json report = {{"id", Latin1Text(id)}, {"version", version}, {"header", nullptr}, {"payload", nullptr},
+                 {"revision", nullptr},  {"string", nullptr},  {"number", nullptr}};
 
   ResetRbiHeader();
   if (ParseRbiHeader(container)) {
@@ -61,5 +47,5 @@ std::string ReportContainer(std::string_view id, unsigned version, std::string_v
   std::array<char, 19> text{};
   if (GetRbiStringField(container, text) == 0) report["string"] = Copied(text);
   report["number"] = NumberField(container);
-  return report.dump(-1, ' ', true);
+  return JsonLine(report);
 }

@@ -3,8 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// Reads a container through the operations of the installer's own container library and reports it as one JSON object,
-/// keys sorted, without blanks, in ASCII; bytes from 0x80 are the Latin-1 characters of that number.
+/// Reads a container through the operations of the installer's own container library and reports it as a line of JSON.
 ///
 ///     {"header":29,"id":"BLMX","number":null,"payload":4096,"revision":"1161","string":"demo","version":4449}
 ///

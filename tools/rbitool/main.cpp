@@ -1,20 +1,20 @@
 #include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdint>
-#include <cstdio>
-#include <stdexcept>
+#include <exception>
+#include <iostream>
 #include <string>
 
 #include "container/RbiContainer.h"
 #include "container/ScanHex.h"
 #include "ContainerFile.h"
 #include "ContainerReport.h"
+#include "support/Console.h"
+#include "support/WholeFile.h"
 
 namespace {
 
-constexpr int kDone = 0;
-constexpr int kFailed = 1;
-constexpr int kBadUsage = 2;
+constexpr const char* kProgram = "rbitool";
 
 struct MakeOptions {
   std::string output;
@@ -59,20 +59,13 @@ int Show(const std::string& fileName) {
   std::uint32_t version = 0;
   // Says itself what is wrong.
   if (!ReadRbiHeader(fileName.c_str(), partId, version)) return kFailed;
-  std::printf("%s\n", ReportContainer(partId, version, ReadWhole(fileName)).c_str());
-  if (std::fflush(stdout) != 0) throw std::runtime_error("cannot write to standard output");
+  std::cout << ReportContainer(partId, version, ReadWhole(fileName));
+  FinishOutput();
   return kDone;
 }
 
-/// One line on standard error, whatever the text holds.
-int Complain(std::string text, int exitCode) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  std::fprintf(stderr, "rbitool: %s\n", text.c_str());
-  return exitCode;
-}
-
 int Run(int argc, char** argv) {
-  CLI::App app("Firmware containers: makes them, and shows what the installer reads from them", "rbitool");
+  CLI::App app("Firmware containers: makes them, and shows what the installer reads from them", kProgram);
   app.set_version_flag("--version", "rbitool " RBITOOL_VERSION, "Print the version and exit");
   app.require_subcommand(1);
   MakeOptions options;
@@ -86,7 +79,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::Success& helpOrVersion) {
     return app.exit(helpOrVersion);
   } catch (const CLI::ParseError& error) {
-    return Complain(error.what(), kBadUsage);
+    return Complain(kProgram, error.what(), kBadUsage);
   }
   return show->parsed() ? Show(shown) : Make(options);
 }
@@ -97,6 +90,6 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {
-    return Complain(error.what(), kFailed);
+    return Complain(kProgram, error.what(), kFailed);
   }
 }

@@ -1,0 +1,44 @@
+#include "Options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "support/Console.h"
+
+namespace {
+
+void AddCommonOptions(CLI::App& app, Options& options) {
+  app.add_option("--tcd", options.dictionaries, "Dictionary files, in place of the embedded ones")
+      ->type_name("FILE")
+      ->expected(1, -1);
+  app.add_flag_callback(
+      "--verbose",
+      [&options] {
+        if (options.detail == LogLines::Detail::kFaults) options.detail = LogLines::Detail::kVerbose;
+      },
+      "Let the library tell more on standard error");
+  app.add_flag_callback(
+      "--trace", [&options] { options.detail = LogLines::Detail::kTrace; },
+      "Let the library tell each step of each packet, too");
+}
+
+}  // namespace
+
+std::optional<int> ReadOptions(int argc, char** argv, std::span<const Call> calls, Options& options) {
+  CLI::App app("The Talc dictionary and its packets by hand", "talctool");
+  app.set_version_flag("--version", "talctool " TALCTOOL_VERSION, "Print the version and exit");
+  app.require_subcommand(1);
+  // Lets the options stand behind the call's name, too.
+  app.fallthrough();
+  AddCommonOptions(app, options);
+  for (const Call& call : calls)
+    app.add_subcommand(call.name, call.help)->callback([&options, &call] { options.call = &call; });
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& helpOrVersion) {
+    return app.exit(helpOrVersion);
+  } catch (const CLI::ParseError& error) {
+    return Complain("talctool", error.what(), kBadUsage);
+  }
+  return std::nullopt;
+}

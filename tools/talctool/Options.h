@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "LogLines.h"
+
+class Dictionary;
+
+/// One thing that the tool can be called for. `run` prints to std::cout; it throws std::exception when the work failed.
+struct Call {
+  const char* name;
+  const char* help;
+  void (*run)(const Dictionary& dictionary);
+};
+
+/// A command line that has been understood.
+struct Options {
+  /// Files to be read in place of the embedded dictionaries.
+  std::vector<std::string> dictionaries;
+  LogLines::Detail detail = LogLines::Detail::kFaults;
+  const Call* call = nullptr;
+};
+
+/// Reads the command line into `options`. Gives the exit code when there is nothing more to do: help and version have
+/// been printed, or what is wrong has been said.
+std::optional<int> ReadOptions(int argc, char** argv, std::span<const Call> calls, Options& options);

@@ -1,0 +1,13 @@
+#pragma once
+
+class Dictionary;
+
+/// Make and read packets: a line of JSON on standard input for each, and its answer on std::cout.
+
+/// {"direction":"request","name":"VPDInfo","values":[["Board","SYMBOL","VPD_Hollen"]]}
+/// -> {"ok":true,"packet":"0b0b00068035000000c8"}, {"ok":false,"status":NAME or null} or {"exception":TEXT,"ok":false}
+void CompileLines(const Dictionary& dictionary);
+
+/// {"direction":"request","name":"VPDInfo","reply":"0b0b00058035000000"}, with "values" for what was set before
+/// -> {"error":NAME,"ok":true,"status":NAME,"values":[...]} or {"exception":TEXT,"ok":false}
+void DecompileLines(const Dictionary& dictionary);
