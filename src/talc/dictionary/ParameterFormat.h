@@ -44,7 +44,7 @@ class ParameterFormat {
 
   /// Encodes the command's value of this name at the start of `destination`, most significant byte first. False when
   /// the command has no such value, when a `BYTES` value is empty, and when the value does not fit; nothing is written
-  /// then. Throws `bad_variant_cast` when the value is of another kind.
+  /// then. Throws `bad_variant_cast` when a number's value is of another kind; `BYTES` takes that for no value.
   bool WriteData(std::span<std::uint8_t> destination, const TalcPath::TalcCommand& command) const;
   /// The same at the field's place in a packet. False without a place.
   bool WriteParameterData(std::span<std::uint8_t> packet, const TalcPath::TalcCommand& command) const;

@@ -30,6 +30,7 @@ bool TalcPathCompile(TalcCommand& command, TalcByteCode& byteCode, std::uint32_t
                      TalcPathStatus* status) {
   if (overrideTimeoutMillisec != nullptr) *overrideTimeoutMillisec = 0;
   if (status != nullptr) *status = kTPSuccess;
+  byteCode.Clear();
   if (IsRefused(command, "Compile", "command")) return false;
   return TalcPathPrivate::ByteCodeCompiler(command, byteCode, overrideTimeoutMillisec, status).Compile();
 }
