@@ -156,7 +156,7 @@ class AnySystem : public platform::Platform {
   platform::Devices& devices() override { return devices_; }
   platform::Clock& clock() override { std::abort(); }
   platform::FrontEnd& frontEnd() override { std::abort(); }
-  platform::TextBlocks& textBlocks() override { std::abort(); }
+  platform::TextBlocks& textBlocks() override { return platform::Native().textBlocks(); }
   platform::Files& files() override { std::abort(); }
 
  private:
@@ -249,6 +249,8 @@ void UseMorvak(AnyDevices& devices, Input& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  // Any helper keeps the Talc library started, so that the dictionaries are not read for each input.
+  static const MorvakHelper helper(OpenMode::kMorvak);
   // The lines about devices go nowhere.
   stdout = std::fopen("/dev/null", "w");
   return stdout == nullptr ? 1 : 0;

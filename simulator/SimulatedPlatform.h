@@ -29,15 +29,8 @@ class SimulatedFiles : public platform::Files {
   bool realEnvironment_ = false;
 };
 
-/// No blocks at all.
-class NoTextBlocks : public platform::TextBlocks {
- public:
-  std::vector<std::string> List(std::string_view) override { return {}; }
-  std::optional<std::string_view> Bytes(std::string_view, std::string_view) override { return std::nullopt; }
-};
-
 /// A computer with simulated boards: a registry of devices, a virtual clock, a desktop, an environment. With nothing
-/// added it has no devices and no windows.
+/// added it has no devices and no windows. Directories and embedded texts are the program's own.
 ///
 ///     VirtualClock clock;
 ///     SimulatedPlatform platform(clock);
@@ -51,14 +44,13 @@ class SimulatedPlatform : public platform::Platform {
   SimulatedDevices& devices() override { return devices_; }
   VirtualClock& clock() override { return clock_; }
   SimulatedFrontEnd& frontEnd() override { return frontEnd_; }
-  NoTextBlocks& textBlocks() override { return textBlocks_; }
+  platform::TextBlocks& textBlocks() override { return platform::Native().textBlocks(); }
   SimulatedFiles& files() override { return files_; }
 
  private:
   VirtualClock& clock_;
   SimulatedDevices devices_;
   SimulatedFrontEnd frontEnd_;
-  NoTextBlocks textBlocks_;
   SimulatedFiles files_;
 };
 

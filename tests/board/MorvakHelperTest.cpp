@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -113,12 +114,12 @@ class MorvakCodecs : public MorvakHelperTest {
   MorvakCodecs() {
     devices.Expect(OpensMorvak(kHandle));
     devices.Expect(TellsModel(kHandle, 2, 5));
-    helper.Open();
+    helper->Open();
     devices.ExpectDone();
   }
   ~MorvakCodecs() override { devices.Expect(Closes(kHandle)); }
 
-  MorvakHelper helper{OpenMode::kMorvak};
+  const std::unique_ptr<MorvakHelper> helper = std::make_unique<MorvakHelper>(OpenMode::kMorvak);
 };
 
 DeviceScript QueriesModule(const std::string& slotBytes, const std::vector<std::uint8_t>& answer) {
@@ -129,7 +130,7 @@ TEST_F(MorvakCodecs, RefusesASlotThatDoesNotExistWithoutAskingTheDriver) {
   for (const std::int32_t slot : {-1, 3, 100}) {
     SCOPED_TRACE(slot);
     try {
-      helper.IsCodecPresent(slot);
+      helper->IsCodecPresent(slot);
       ADD_FAILURE() << "nothing was thrown";
     } catch (const errorException& error) {
       EXPECT_STREQ(error.what(), "MorvakHelper: Query of invalid codec.");
@@ -141,7 +142,7 @@ TEST_F(MorvakCodecs, RefusesASlotThatDoesNotExistWithoutAskingTheDriver) {
 TEST_F(MorvakCodecs, HasNoCodecWhenTheDriverDoesNotTellItsSlots) {
   for (const std::int32_t slot : {0, 1, 2}) {
     devices.Expect({{kModelCall, Fails()}});
-    EXPECT_FALSE(helper.IsCodecPresent(slot));
+    EXPECT_FALSE(helper->IsCodecPresent(slot));
   }
 }
 
@@ -161,7 +162,7 @@ TEST_F(MorvakCodecs, AreAskedForAccordingToTheNumberOfSlots) {
     SCOPED_TRACE(::testing::Message() << int{each.codecSlots} << " slots, slot " << each.slot);
     devices.Expect(TellsModel(kHandle, each.codecSlots, 5));
     if (each.askedFor != nullptr) devices.Expect(QueriesModule(each.askedFor, {1, 0, 0, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(helper.IsCodecPresent(each.slot), each.askedFor != nullptr);
+    EXPECT_EQ(helper->IsCodecPresent(each.slot), each.askedFor != nullptr);
     devices.ExpectDone();
   }
 }
@@ -172,7 +173,7 @@ TEST_F(MorvakCodecs, ThrowWhenTheDriverTellsOfMoreThanTwoSlots) {
                                                  {255, 255, 255, 255, 5, 0, 0, 0}}) {
     devices.Expect({{kModelCall, Answers(slots)}});
     try {
-      helper.IsCodecPresent(0);
+      helper->IsCodecPresent(0);
       ADD_FAILURE() << "nothing was thrown";
     } catch (const errorException& error) {
       EXPECT_STREQ(error.what(), "MorvakHelper: Invalid number of codec slots.");
@@ -197,7 +198,7 @@ TEST_F(MorvakCodecs, AreThereInTwoStates) {
     SCOPED_TRACE(::testing::PrintToString(each.answer));
     devices.Expect(TellsModel(kHandle, 2, 5));
     devices.Expect(QueriesModule("01 00 00 00", each.answer));
-    EXPECT_EQ(helper.IsCodecPresent(1), each.isPresent);
+    EXPECT_EQ(helper->IsCodecPresent(1), each.isPresent);
     devices.ExpectDone();
   }
 }
@@ -205,7 +206,7 @@ TEST_F(MorvakCodecs, AreThereInTwoStates) {
 TEST_F(MorvakCodecs, AreAbsentWhenTheDriverDoesNotAnswer) {
   devices.Expect(TellsModel(kHandle, 2, 5));
   devices.Expect({{"DeviceIoControl 0x31 code 0xaa010054 in [01 00 00 00] out 8", Fails()}});
-  EXPECT_FALSE(helper.IsCodecPresent(1));
+  EXPECT_FALSE(helper->IsCodecPresent(1));
 }
 
 TEST_F(MorvakHelperTest, HasNoCodecsWhileItIsNotOpen) {

@@ -16,14 +16,16 @@ class SimulatedPlatformTest : public testing::Test {
   simulator::SimulatedPlatform platform{clock};
 };
 
-TEST_F(SimulatedPlatformTest, HasNoDevicesWindowsOrBlocksByItself) {
+TEST_F(SimulatedPlatformTest, HasNoDevicesOrWindowsByItself) {
   const platform::Handle set = platform.devices().SetupDiGetClassDevsA({}, 18);
   platform::InterfaceData data{.size = 28};
   EXPECT_FALSE(platform.devices().SetupDiEnumDeviceInterfaces(set, {}, 0, data));
   EXPECT_EQ(platform.frontEnd().FindWindowA(nullptr, ""), 0u);
-  EXPECT_THAT(platform.textBlocks().List("RT_TCD_FILE"), testing::IsEmpty());
-  EXPECT_EQ(platform.textBlocks().Bytes("RT_TCD_FILE", "IDR_RT_TCDFILE_1"), std::nullopt);
   EXPECT_EQ(&platform.clock(), &clock);
+}
+
+TEST_F(SimulatedPlatformTest, HasTheTextsThatAreEmbeddedInTheProgram) {
+  EXPECT_EQ(&platform.textBlocks(), &platform::Native().textBlocks());
 }
 
 TEST_F(SimulatedPlatformTest, CanBeTheCurrentOne) {

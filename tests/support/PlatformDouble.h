@@ -12,7 +12,8 @@
 ///     system.Use(clock);
 ///     platform::ScopedPlatform scope(system);
 ///
-/// The services must outlive it. Asking for one that was not put in throws std::logic_error.
+/// The services must outlive it. Asking for one that was not put in throws std::logic_error; but the embedded texts are
+/// the program's own until others are put in, since every helper reads them.
 namespace test_support {
 
 class PlatformDouble final : public platform::Platform {
@@ -26,7 +27,7 @@ class PlatformDouble final : public platform::Platform {
   platform::Devices& devices() override { return Given(devices_, "devices"); }
   platform::Clock& clock() override { return Given(clock_, "clock"); }
   platform::FrontEnd& frontEnd() override { return Given(frontEnd_, "front end"); }
-  platform::TextBlocks& textBlocks() override { return Given(textBlocks_, "text blocks"); }
+  platform::TextBlocks& textBlocks() override { return *textBlocks_; }
   platform::Files& files() override { return Given(files_, "files"); }
 
  private:
@@ -39,7 +40,7 @@ class PlatformDouble final : public platform::Platform {
   platform::Devices* devices_ = nullptr;
   platform::Clock* clock_ = nullptr;
   platform::FrontEnd* frontEnd_ = nullptr;
-  platform::TextBlocks* textBlocks_ = nullptr;
+  platform::TextBlocks* textBlocks_ = &platform::Native().textBlocks();
   platform::Files* files_ = nullptr;
 };
 

@@ -37,7 +37,8 @@ enum class OpenMode : std::int32_t {
 class WyvrelHelper {
  public:
   WyvrelHelper() = default;
-  virtual ~WyvrelHelper() = default;
+  /// The last helper to go may throw: see `WyvrelHelperRep`.
+  virtual ~WyvrelHelper() noexcept(false) = default;
   WyvrelHelper(const WyvrelHelper&) = delete;
   WyvrelHelper& operator=(const WyvrelHelper&) = delete;
 
@@ -66,9 +67,13 @@ class VeltraSpecificHelper : public WyvrelHelper {
 };
 
 /// What does not depend on the transport. An operation that a transport does not have throws and says so.
+///
+/// Helpers keep the Talc library started: the first one starts it, the last one stops it. Construction throws when the
+/// library does not start, destruction when it does not stop, unless another exception is already on its way.
 class WyvrelHelperRep : public VeltraSpecificHelper {
  public:
-  explicit WyvrelHelperRep(OpenMode mode) : openMode(mode) {}
+  explicit WyvrelHelperRep(OpenMode mode);
+  ~WyvrelHelperRep() noexcept(false) override;
 
   void GetBoardVPD(const char* board, std::uint8_t (&buffer)[kBoardVpdBytes]) override;
   C28FxJ3A* GetC28FxJ3A(const char* board) override;
@@ -80,4 +85,8 @@ class WyvrelHelperRep : public VeltraSpecificHelper {
 
  protected:
   const OpenMode openMode;
+
+ private:
+  /// Exceptions on their way when this was made; more of them at its end mean that it goes because of one.
+  const int exceptionsAtStart_;
 };
