@@ -5,6 +5,7 @@
 
 #include "dictionary/DefinedCommands.h"
 #include "dictionary/Log.h"
+#include "dictionary/SameName.h"
 #include "dictionary/TokenStream.h"
 
 namespace TalcPathPrivate {
@@ -22,6 +23,7 @@ void CommandFormat::Clear() {
   name.clear();
   parameters.clear();
   symbols.clear();
+  symbolNames.Clear();
   documentation.clear();
   definitionFile.clear();
 }
@@ -49,17 +51,20 @@ bool CommandFormat::AddToDefinedCommands() {
 
 bool CommandFormat::AddSymbol(std::string_view symbolName, std::int32_t value) {
   std::int32_t present = 0;
-  if (GetSymbolValue(symbolName, present)) {
+  if (symbolNames.MayHave(symbolName) && GetSymbolValue(symbolName, present)) {
     LogVerbose("\nError - Symbolic Constant duplicate name");
     return false;
   }
+  constexpr std::size_t kFewSymbols = 8;
+  if (symbols.empty()) symbols.reserve(kFewSymbols);
   symbols.push_back({std::string(symbolName), value});
+  symbolNames.Add(symbolName);
   return true;
 }
 
 bool CommandFormat::GetSymbolValue(std::string_view symbolName, std::int32_t& value) const {
   for (const Symbol& symbol : symbols) {
-    if (symbol.name != symbolName) continue;
+    if (!IsSameName(symbol.name, symbolName)) continue;
     value = symbol.value;
     return true;
   }
@@ -75,8 +80,9 @@ bool CommandFormat::GetSymbolByIndex(std::ptrdiff_t index, std::string& symbolNa
 }
 
 const ParameterFormat* CommandFormat::FindParameter(std::string_view parameterName) const {
-  const auto found = std::find_if(parameters.begin(), parameters.end(),
-                                  [&](const ParameterFormat& parameter) { return parameter.name == parameterName; });
+  const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const ParameterFormat& parameter) {
+    return IsSameName(parameter.name, parameterName);
+  });
   return found == parameters.end() ? nullptr : &*found;
 }
 
@@ -146,13 +152,13 @@ bool CommandFormat::ReadDefinition(TokenStream& stream, std::string_view command
 bool CommandFormat::ReadParameterOrSymbol(TokenStream& stream, bool& done, bool& sendOnly) {
   const std::string_view keyword = stream.ReadWord();
   const std::string_view parameterName = stream.ReadWord();
-  if (keyword == "Symbol") {
+  if (IsSameName(keyword, "Symbol")) {
     std::int32_t value = 0;
     return stream.ReadNumber(value) && AddSymbol(parameterName, value);
   }
 
   const std::string_view rdTag = stream.ReadWord();
-  const bool isRequired = rdTag == "RD";
+  const bool isRequired = IsSameName(rdTag, "RD");
   if (isRequired && sendOnly) {
     LogVerbose("\nError - Found a parameter needed for RequestData AFTER a send-only parameter");
     return false;
@@ -170,17 +176,19 @@ bool CommandFormat::ReadParameterOrSymbol(TokenStream& stream, bool& done, bool&
   ParameterFormat parameter(parameterName, DataType(typeWord), isRequired);
   if (!CheckNewParameter(keyword, typeKeyword, parameter)) return false;
   if (parameter.dataType.IsBytes()) SetHasVariableLengthData(true);
+  constexpr std::size_t kFewParameters = 4;
+  if (parameters.empty()) parameters.reserve(kFewParameters);
   parameters.push_back(std::move(parameter));
   return true;
 }
 
 bool CommandFormat::CheckNewParameter(std::string_view keyword, std::string_view typeKeyword,
                                       const ParameterFormat& parameter) const {
-  if (keyword != "DataName") {
+  if (!IsSameName(keyword, "DataName")) {
     LogVerbose("\nError - did not find 'DataName' keyword");
     return false;
   }
-  if (typeKeyword != "DataType") {
+  if (!IsSameName(typeKeyword, "DataType")) {
     LogVerbose("\nError - did not find 'DataType' keyword");
     return false;
   }

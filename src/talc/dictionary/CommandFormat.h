@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "dictionary/NameFilter.h"
 #include "dictionary/ParameterFormat.h"
 
 namespace TalcPathPrivate {
@@ -99,6 +100,7 @@ class CommandFormat {
   std::string name;
   std::vector<ParameterFormat> parameters;
   std::vector<Symbol> symbols;
+  NameFilter symbolNames;
   /// Written when there is one; the reader has never kept any.
   std::string documentation;
   std::string definitionFile;

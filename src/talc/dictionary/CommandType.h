@@ -35,8 +35,20 @@ std::optional<CommandType::Major> FindMajor(std::string_view word);
 
 /// Nothing when the major type or the minor is out of range. The function is doubled and cut to its byte, whatever it
 /// is.
-std::optional<std::array<std::uint8_t, 2>> EncodeCommandType(const CommandType& type, bool isRequest);
+inline std::optional<std::array<std::uint8_t, 2>> EncodeCommandType(const CommandType& type, bool isRequest) {
+  const auto major = static_cast<std::uint32_t>(type.major);
+  if (major > 3 || type.minor < 0 || type.minor > 63) return std::nullopt;
+  const auto first = static_cast<std::uint8_t>(major << 6 | static_cast<std::uint32_t>(type.minor));
+  const auto second = static_cast<std::uint8_t>(static_cast<unsigned>(type.function) << 1 | (isRequest ? 1U : 0U));
+  return std::array{first, second};
+}
+
 /// Every pair of bytes is a type.
-CodedCommandType DecodeCommandType(std::uint8_t first, std::uint8_t second);
+inline CodedCommandType DecodeCommandType(std::uint8_t first, std::uint8_t second) {
+  return {.type = {.major = static_cast<CommandType::Major>(first >> 6),
+                   .minor = static_cast<std::int16_t>(first & 0x3F),
+                   .function = static_cast<std::int16_t>(second >> 1)},
+          .isRequest = (second & 1) != 0};
+}
 
 }  // namespace TalcPathPrivate

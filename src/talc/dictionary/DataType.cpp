@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "dictionary/SameName.h"
+
 namespace TalcPathPrivate {
 namespace {
 
@@ -24,7 +26,7 @@ constexpr std::array<Row, 10> kRows{{{"INT8", 1},
 
 std::size_t RowOf(std::string_view word) {
   std::size_t row = 0;
-  while (row + 1 < kRows.size() && kRows[row].word != word)
+  while (row + 1 < kRows.size() && !IsSameName(kRows[row].word, word))
     ++row;
   return row;
 }

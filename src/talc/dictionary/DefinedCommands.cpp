@@ -3,15 +3,12 @@
 #include <exception>
 #include <new>
 
-#include "dictionary/SameName.h"
-
 namespace TalcPathPrivate {
 namespace {
 
 CommandTable* definedCommands = nullptr;
 CommandTypeTable* commandTypeTable = nullptr;
 DiagOpcodeTable* diagOpcodeTable = nullptr;
-CommandFormat* lastFound = nullptr;
 
 template <typename Table>
 Table* Have(Table*& table) {
@@ -47,12 +44,11 @@ DiagOpcodeTable* DiagOpcodes() {
   return Have(diagOpcodeTable);
 }
 
-CommandFormat* FindDefinedCommand(std::string_view name) {
-  if (lastFound != nullptr && IsSameName(lastFound->GetName(), name)) return lastFound;
+CommandFormat* SearchDefinedCommand(std::string_view name) {
   if (definedCommands == nullptr) return nullptr;
   const auto found = definedCommands->find(name);
   if (found == definedCommands->end()) return nullptr;
-  return lastFound = found->second.get();
+  return lastFoundCommand = found->second.get();
 }
 
 const std::string* FindCommandType(const CommandType& type) {
@@ -82,7 +78,7 @@ bool InsertDiagOpcode(std::int16_t opcode, const std::string& name) {
 
 bool DeleteDefinedCommands(ErrorList& errors) {
   errors.clear();
-  lastFound = nullptr;
+  lastFoundCommand = nullptr;
   if (definedCommands == nullptr) return true;
   for (auto& [name, format] : *definedCommands) {
     try {

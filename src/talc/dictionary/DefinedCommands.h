@@ -9,6 +9,7 @@
 
 #include "dictionary/CommandFormat.h"
 #include "dictionary/CommandType.h"
+#include "dictionary/SameName.h"
 
 /// The defined commands by name, and the codes that are taken. The three tables are the process's own; they come into
 /// being when they are first used and go at the library's stop.
@@ -23,8 +24,15 @@ CommandTable* DefinedCommands();
 CommandTypeTable* CommandTypes();
 DiagOpcodeTable* DiagOpcodes();
 
+/// What the look-up below found last; null when the table is new.
+inline CommandFormat* lastFoundCommand = nullptr;
+CommandFormat* SearchDefinedCommand(std::string_view name);
+
 /// The command of that name, or null. The last one found is remembered: an exchange asks for the same name many times.
-CommandFormat* FindDefinedCommand(std::string_view name);
+inline CommandFormat* FindDefinedCommand(std::string_view name) {
+  if (lastFoundCommand != nullptr && IsSameName(lastFoundCommand->GetName(), name)) return lastFoundCommand;
+  return SearchDefinedCommand(name);
+}
 /// The name of the command with that code, or null.
 const std::string* FindCommandType(const CommandType& type);
 const std::string* FindDiagOpcode(std::int16_t opcode);

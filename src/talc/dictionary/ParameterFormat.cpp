@@ -109,7 +109,7 @@ std::uint32_t ParameterFormat::ReadParameterData(std::span<const std::uint8_t> s
   LogTrace("\n\tReading Parameter : ", name, " Type : ", dataType.Word());
   if (dataType.IsBytes()) {
     const auto length = static_cast<std::uint32_t>(source.size());
-    command.SetBytes(name, source.data(), length);
+    if (CommandContents* const contents = ContentsOf(command)) contents->parameters.SetBytes(name, source);
     LogTrace(" NumBytes: ", length);
     return length;
   }

@@ -4,6 +4,7 @@
 
 #include "dictionary/DefinedCommands.h"
 #include "dictionary/Log.h"
+#include "dictionary/SameName.h"
 #include "dictionary/TokenStream.h"
 
 namespace TalcPathPrivate {
@@ -13,7 +14,7 @@ constexpr std::int16_t kMinorLimit = 64;
 constexpr std::int16_t kFunctionLimit = 128;
 
 bool ReadKeyword(TokenStream& stream, std::string_view keyword) {
-  if (stream.ReadWord() == keyword) return true;
+  if (IsSameName(stream.ReadWord(), keyword)) return true;
   LogVerbose("\nError - did not find '", keyword, "' keyword");
   return false;
 }

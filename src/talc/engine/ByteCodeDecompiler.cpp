@@ -17,14 +17,18 @@ namespace TalcPathPrivate {
 ByteCodeDecompiler::ByteCodeDecompiler(TalcCommand& command, const TalcByteCode& byteCode, TalcPathStatus* status)
     : command_(command), byteCode_(byteCode), status_(status) {}
 
+void ByteCodeDecompiler::SetStatus(TalcPathStatus status) {
+  if (CommandContents* const contents = ContentsOf(command_)) contents->status = status;
+}
+
 bool ByteCodeDecompiler::Fail(TalcPathStatus reason) {
-  command_.SetStatus(TalcPath::kTPFail);
+  SetStatus(TalcPath::kTPFail);
   if (status_ != nullptr) *status_ = reason;
   return false;
 }
 
 bool ByteCodeDecompiler::Decompile(bool tolerant) {
-  command_.SetStatus(TalcPath::kTPFail);
+  SetStatus(TalcPath::kTPFail);
   format_ = FindDefinedCommand(command_.GetName());
   if (!SetUp()) {
     LogTrace("\nERROR - Bytecode Decompile could not set up packetNum: 0");
@@ -32,7 +36,7 @@ bool ByteCodeDecompiler::Decompile(bool tolerant) {
   }
   if (!ReadHeader(format_ != nullptr && format_->IsDiagCommandFormat())) return false;
 
-  command_.SetStatus(headerStatus_);
+  SetStatus(headerStatus_);
   if (headerStatus_ != TalcPath::kTPSuccess) return true;
   if (!IsRequest(command_) && !tolerant) {
     if (packet_.size() != kTalcHeaderBytes)
@@ -40,7 +44,7 @@ bool ByteCodeDecompiler::Decompile(bool tolerant) {
     return true;
   }
 
-  command_.ClearParameters();
+  if (CommandContents* const contents = ContentsOf(command_)) contents->parameters.Clear();
   if (format_ == nullptr) {
     LogTrace("\nERROR - Could not find TalcCommandFormat - Command: ",
              ContentsOf(command_) != nullptr ? command_.GetName().c_str() : "COMMAND_NAME_IS_NULL!");

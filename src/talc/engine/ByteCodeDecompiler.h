@@ -24,6 +24,7 @@ class ByteCodeDecompiler {
   bool Decompile(bool tolerant);
 
  private:
+  void SetStatus(TalcPath::TalcPathStatus status);
   bool Fail(TalcPath::TalcPathStatus reason);
   bool SetUp();
   bool ReadDiagOpcode();
