@@ -51,14 +51,13 @@ bool CommandFormat::AddToDefinedCommands() {
 
 bool CommandFormat::AddSymbol(std::string_view symbolName, std::int32_t value) {
   std::int32_t present = 0;
-  if (symbolNames.MayHave(symbolName) && GetSymbolValue(symbolName, present)) {
+  if (symbolNames.Add(symbolName) && GetSymbolValue(symbolName, present)) {
     LogVerbose("\nError - Symbolic Constant duplicate name");
     return false;
   }
   constexpr std::size_t kFewSymbols = 8;
   if (symbols.empty()) symbols.reserve(kFewSymbols);
   symbols.push_back({std::string(symbolName), value});
-  symbolNames.Add(symbolName);
   return true;
 }
 

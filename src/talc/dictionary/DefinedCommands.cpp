@@ -9,6 +9,8 @@ namespace {
 CommandTable* definedCommands = nullptr;
 CommandTypeTable* commandTypeTable = nullptr;
 DiagOpcodeTable* diagOpcodeTable = nullptr;
+/// Where the name that was searched for last belongs: a definition is searched for right before it is inserted.
+CommandTable::iterator lastPlace;
 
 template <typename Table>
 Table* Have(Table*& table) {
@@ -35,7 +37,8 @@ const std::string* FindName(const Table* table, const Code& code) {
 }  // namespace
 
 CommandTable* DefinedCommands() {
-  return Have(definedCommands);
+  if (definedCommands == nullptr && Have(definedCommands) != nullptr) lastPlace = definedCommands->end();
+  return definedCommands;
 }
 CommandTypeTable* CommandTypes() {
   return Have(commandTypeTable);
@@ -46,9 +49,9 @@ DiagOpcodeTable* DiagOpcodes() {
 
 CommandFormat* SearchDefinedCommand(std::string_view name) {
   if (definedCommands == nullptr) return nullptr;
-  const auto found = definedCommands->find(name);
-  if (found == definedCommands->end()) return nullptr;
-  return lastFoundCommand = found->second.get();
+  lastPlace = definedCommands->lower_bound(name);
+  if (lastPlace == definedCommands->end() || lastPlace->first != name) return nullptr;
+  return lastFoundCommand = lastPlace->second.get();
 }
 
 const std::string* FindCommandType(const CommandType& type) {
@@ -61,9 +64,11 @@ const std::string* FindDiagOpcode(std::int16_t opcode) {
 bool InsertDefinedCommand(CommandFormat* format) {
   CommandTable* const table = DefinedCommands();
   if (table == nullptr) return false;
-  const auto [place, isNew] = table->try_emplace(format->GetName(), nullptr);
-  if (isNew) place->second.reset(format);
-  return isNew;
+  const std::size_t before = table->size();
+  const auto place = table->try_emplace(lastPlace, format->GetName(), nullptr);
+  if (table->size() == before) return false;
+  place->second.reset(format);
+  return true;
 }
 
 bool InsertCommandType(const CommandType& type, const std::string& name) {

@@ -1,28 +1,41 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
+
+#include "dictionary/SameName.h"
 
 namespace TalcPathPrivate {
 
-/// Tells at once that a name has not been added, for nearly all that have not. One cache line.
+/// Tells at once that a name was not added before, for nearly all that were not. One cache line.
 class NameFilter {
  public:
-  bool MayHave(std::string_view name) const { return (bits_[Bit(name) / 64] >> Bit(name) % 64 & 1) != 0; }
-  void Add(std::string_view name) { bits_[Bit(name) / 64] |= std::uint64_t{1} << Bit(name) % 64; }
+  /// Adds the name. False when it was certainly not there; true when it may have been.
+  bool Add(std::string_view name) {
+    const std::uint64_t hash = Hash(name);
+    std::uint64_t& word = bits_[hash >> 61];
+    const std::uint64_t bit = std::uint64_t{1} << (hash >> 55 & 63);
+    const bool mayHaveBeenThere = (word & bit) != 0;
+    word |= bit;
+    return mayHaveBeenThere;
+  }
   void Clear() { bits_ = {}; }
 
  private:
-  /// From the end of the name, where the names of one command differ.
-  static std::size_t Bit(std::string_view name) {
-    std::uint64_t end = 0;
-    const std::size_t size = std::min(name.size(), sizeof end);
-    std::memcpy(&end, name.data() + name.size() - size, size);
-    return (end + name.size()) * 0x9E3779B97F4A7C15 >> 55;
+  /// From the last characters and the length: the names of one command mostly begin alike.
+  static std::uint64_t Hash(std::string_view name) {
+    constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15;  // 2 to the power 64 over the golden ratio
+    const char* const end = name.data() + name.size();
+    std::uint64_t sum = name.size();
+    if (name.size() >= 16) sum += LoadWord<std::uint64_t>(end - 16) * 3;
+    if (name.size() >= 8)
+      sum += LoadWord<std::uint64_t>(end - 8);
+    else
+      for (const char c : name)
+        sum = sum * 31 + static_cast<unsigned char>(c);
+    return sum * kSpread;
   }
 
   std::array<std::uint64_t, 8> bits_{};

@@ -42,42 +42,34 @@ const char* FindWhiteSpace(const char* at, const char* end) {
 }  // namespace
 
 bool TokenStream::SkipWhiteSpace() {
-  if (failed_ || atEnd_) return false;
-  const char* const end = rest_.data() + rest_.size();
-  const char* at = rest_.data();
-  while (at < end && IsWhiteSpace(*at))
-    ++at;
-  rest_ = {at, static_cast<std::size_t>(end - at)};
-  atEnd_ = rest_.empty();
+  if (failed_) return false;
+  while (at_ < end_ && IsWhiteSpace(*at_))
+    ++at_;
+  atEnd_ = at_ == end_;
   return !atEnd_;
 }
 
 std::string_view TokenStream::ReadWord() {
   if (!SkipWhiteSpace()) return {};
-  const char* const begin = rest_.data();
-  const char* const end = begin + rest_.size();
-  const char* const at = FindWhiteSpace(begin, end);
-  rest_ = {at, static_cast<std::size_t>(end - at)};
-  atEnd_ = rest_.empty();
-  return {begin, static_cast<std::size_t>(at - begin)};
+  const char* const begin = at_;
+  at_ = FindWhiteSpace(begin, end_);
+  atEnd_ = at_ == end_;
+  return {begin, static_cast<std::size_t>(at_ - begin)};
 }
 
 bool TokenStream::ReadWithin(std::int64_t low, std::int64_t high, std::int64_t& number) {
   if (!SkipWhiteSpace()) return false;
-  const bool isNegative = rest_.front() == '-';
-  if (isNegative || rest_.front() == '+') rest_.remove_prefix(1);
+  const bool isNegative = *at_ == '-';
+  if (isNegative || *at_ == '+') ++at_;
   // Digits beyond the range are read too, as part of a number that does not fit.
   const std::int64_t limit = std::numeric_limits<std::uint32_t>::max();
   std::int64_t magnitude = 0;
-  bool hasDigits = false;
-  while (!rest_.empty() && IsDigit(rest_.front())) {
-    hasDigits = true;
-    if (magnitude <= limit) magnitude = magnitude * 10 + (rest_.front() - '0');
-    rest_.remove_prefix(1);
-  }
-  atEnd_ = rest_.empty();
+  const char* const firstDigit = at_;
+  for (; at_ < end_ && IsDigit(*at_); ++at_)
+    if (magnitude <= limit) magnitude = magnitude * 10 + (*at_ - '0');
+  atEnd_ = at_ == end_;
   number = isNegative ? -magnitude : magnitude;
-  failed_ = !hasDigits || number < low || number > high;
+  failed_ = at_ == firstDigit || number < low || number > high;
   return !failed_;
 }
 

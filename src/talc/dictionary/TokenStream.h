@@ -17,7 +17,7 @@ namespace TalcPathPrivate {
 /// Words point into the block, which must outlive them.
 class TokenStream {
  public:
-  explicit TokenStream(std::string_view block) : rest_(block) {}
+  explicit TokenStream(std::string_view block) : at_(block.data()), end_(at_ + block.size()) {}
 
   /// The next word, empty when there is none.
   std::string_view ReadWord();
@@ -33,7 +33,8 @@ class TokenStream {
   bool SkipWhiteSpace();
   bool ReadWithin(std::int64_t low, std::int64_t high, std::int64_t& number);
 
-  std::string_view rest_;
+  const char* at_;
+  const char* end_;
   bool atEnd_ = false;
   bool failed_ = false;
 };

@@ -1,9 +1,8 @@
 #include "engine/DictionaryFiles.h"
 
 #include <fstream>
-#include <istream>
 #include <optional>
-#include <streambuf>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,31 +12,6 @@
 #include "platform/Platform.h"
 
 namespace TalcPathPrivate {
-namespace {
-
-/// Reads a block where it is embedded, and one blank behind it, which parts what stands last from the end.
-class BlockBuffer final : public std::streambuf {
- public:
-  explicit BlockBuffer(std::string_view block) {
-    // A buffer's pointers are not const, but nothing here writes.
-    char* const begin = const_cast<char*>(block.data());
-    setg(begin, begin, begin + block.size());
-  }
-
- private:
-  int_type underflow() override {
-    if (blank_ == '\0') return traits_type::eof();
-    next_ = std::exchange(blank_, '\0');
-    setg(&next_, &next_, &next_ + 1);
-    return traits_type::to_int_type(next_);
-  }
-
-  char blank_ = ' ';
-  char next_ = '\0';
-};
-
-}  // namespace
-
 bool ParseFileProcessor::Process(std::istream& stream, std::string_view name) {
   return ParseTcdStream(stream, name);
 }
@@ -49,8 +23,11 @@ bool ProcessTextBlocks(std::string_view type, TCDFileProcessor& processor, bool&
     const std::optional<std::string_view> bytes = blocks.Bytes(type, name);
     if (!bytes || bytes->empty()) return true;
     isFound = true;
-    BlockBuffer buffer(*bytes);
-    std::istream stream(&buffer);
+    std::string text;
+    text.reserve(bytes->size() + 1);
+    text.append(*bytes);
+    text += ' ';  // parts what stands last from the end
+    std::stringstream stream(std::move(text));
     if (!processor.Process(stream, name)) return false;
   }
   return true;
