@@ -19,6 +19,8 @@ struct CommandType {
   std::int16_t minor = -1;
   std::int16_t function = -1;
 
+  // By major, then minor, then function.
+  // NOLINTNEXTLINE(modernize-use-nullptr): what the compiler makes of it compares with 0, which is no pointer
   friend auto operator<=>(const CommandType&, const CommandType&) = default;
 };
 

@@ -7,6 +7,7 @@
 
 namespace TalcPathPrivate {
 
+// NOLINTNEXTLINE(bugprone-copy-constructor-init): it is meant that name and parameters stay behind
 TalcDataCommandFormat::TalcDataCommandFormat(const TalcDataCommandFormat& other)
     : CommandFormat(), hasVariableLengthData(other.hasVariableLengthData), packetSizes(other.packetSizes) {}
 
