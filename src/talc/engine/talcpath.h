@@ -7,6 +7,12 @@
 #include <string_view>
 #include <typeinfo>
 
+// Behind the handles; of no concern to users.
+namespace TalcPathPrivate {
+class ByteCodeCompiler;
+struct CommandContents;
+}  // namespace TalcPathPrivate
+
 /// TalcPath: Talc commands by name, as packets.
 ///
 /// Talc is the packet protocol of a family of video and audio I/O hardware. Which commands there are, what data they
@@ -30,11 +36,6 @@
 /// for, and `std::bad_alloc`.
 ///
 /// The library is for one thread at a time. Start and stop change what all commands are compiled with.
-namespace TalcPathPrivate {
-class ByteCodeCompiler;
-struct CommandContents;
-}  // namespace TalcPathPrivate
-
 namespace TalcPath {
 
 /// What became of a command. The numbers are fixed. The first five can also be the answer of the hardware; in a reply
