@@ -50,6 +50,9 @@ void* operator new(std::size_t sizeBytes) {
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
+void* operator new(std::size_t sizeBytes, const std::nothrow_t&) noexcept {
+  return Allocate(sizeBytes);
+}
 void operator delete(void* memory) noexcept {
   Release(memory);
 }
