@@ -35,7 +35,7 @@ if grep -rqI "$sources" "$place/installed"; then fail "what is installed names t
 
 cp -r "$sources/examples/first-packet" "$place/example"
 cd "$place/example"
-cmake -S . -B build -DCMAKE_PREFIX_PATH="$place/installed" -DCMAKE_CXX_COMPILER="$compiler" >"$place/log" 2>&1 ||
+cmake -G Ninja -S . -B build -DCMAKE_PREFIX_PATH="$place/installed" -DCMAKE_CXX_COMPILER="$compiler" >"$place/log" 2>&1 ||
   fail "$(cat "$place/log")"
 cmake --build build >"$place/log" 2>&1 || fail "$(cat "$place/log")"
 check build/first-packet CMake
