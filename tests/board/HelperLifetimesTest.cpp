@@ -8,6 +8,7 @@
 #include "board/MorvakHelper.h"
 #include "board/VeltraHelper.h"
 #include "DriverScripts.h"
+#include "support/FailingAllocation.h"
 #include "support/ManualClock.h"
 
 // A program of its own, since it stands in for the global new and delete.
@@ -49,9 +50,6 @@ void* operator new(std::size_t sizeBytes) {
   void* memory = Allocate(sizeBytes);
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
-}
-void* operator new(std::size_t sizeBytes, const std::nothrow_t&) noexcept {
-  return Allocate(sizeBytes);
 }
 void operator delete(void* memory) noexcept {
   Release(memory);
@@ -99,6 +97,9 @@ TEST(HelperLifetimes, BuildTheFallBackBeforeTheFirstHelperGoes) {
   for (const std::string& guid : {driver_scripts::kMorvak, driver_scripts::kBelmara, driver_scripts::kDovu})
     devices.Expect(driver_scripts::IsAbsent(guid));
 
+  // None is to fail: this links in the form of new that does not throw and comes down to the one above, so that what is
+  // allocated either way is released in the same way.
+  const test_support::FailingAllocation none(0);
   ObjectWatch watch(sizeof(MorvakHelper), sizeof(VeltraHelper));
   const auto helper = CreateWyvrelHelper(OpenMode::kMorvakElseBothHostCards);
   EXPECT_EQ(watch.Events(), "+1 +2 -1 -2");
