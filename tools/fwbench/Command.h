@@ -6,10 +6,7 @@
 #include <string>
 #include <vector>
 
-/// Exit codes of fwbench itself; `run` ends with the installer's own.
-inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;
-inline constexpr int kBadUsage = 2;
+#include "support/Console.h"
 
 /// Thrown for what a user got wrong on the command line and CLI11 cannot know.
 class UsageError : public std::runtime_error {
@@ -17,8 +14,8 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// What a subcommand does once the whole command line is read; returns the exit code. Throws `UsageError`, and other
-/// exceptions for work that failed.
+/// What a subcommand does once the whole command line is read; returns the exit code, which for `run` is the
+/// installer's own. Throws `UsageError`, and other exceptions for work that failed.
 using Action = std::function<int()>;
 
 /// Each of these adds subcommands, of which the one that is called puts what it does into `action`. Both must outlive

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <string>
 #include <vector>
@@ -8,21 +7,14 @@
 
 namespace {
 
-/// One line on standard error, whatever the text holds.
-int Complain(std::string text, int exitCode) {
-  while (!text.empty() && text.back() == '\n')
-    text.pop_back();
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  std::fprintf(stderr, "fwbench: %s\n", text.c_str());
-  return exitCode;
-}
+constexpr const char* kProgram = "fwbench";
 
 int Run(const std::vector<std::string>& words) {
   // What follows "--" is the installer's, whatever it looks like.
   const auto dashes = std::find(words.begin(), words.end(), "--");
   const std::vector<std::string> installerArguments(dashes == words.end() ? dashes : dashes + 1, words.end());
 
-  CLI::App app("A bench of simulated hardware in a folder, and the installer run against it", "fwbench");
+  CLI::App app("A bench of simulated hardware in a folder, and the installer run against it", kProgram);
   app.set_version_flag("--version", "fwbench " FWBENCH_VERSION, "Print the version and exit");
   app.require_subcommand(1);
   Action action;
@@ -37,10 +29,10 @@ int Run(const std::vector<std::string>& words) {
   } catch (const CLI::Success& helpOrVersion) {
     return app.exit(helpOrVersion);
   } catch (const CLI::ParseError& error) {
-    return Complain(error.what(), kBadUsage);
+    return Complain(kProgram, error.what(), kBadUsage);
   }
   if (dashes != words.end() && !app.got_subcommand("run"))
-    return Complain("only run takes arguments behind --", kBadUsage);
+    return Complain(kProgram, "only run takes arguments behind --", kBadUsage);
   return action();
 }
 
@@ -50,8 +42,8 @@ int main(int argc, char** argv) {
   try {
     return Run({argv + std::min(argc, 1), argv + argc});
   } catch (const UsageError& error) {
-    return Complain(error.what(), kBadUsage);
+    return Complain(kProgram, error.what(), kBadUsage);
   } catch (const std::exception& error) {
-    return Complain(error.what(), kFailed);
+    return Complain(kProgram, error.what(), kFailed);
   }
 }
