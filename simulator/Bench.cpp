@@ -18,6 +18,16 @@ void AddErrors(std::vector<std::string>& texts, const ProtocolErrors& errors) {
   if (left > 0) texts.push_back("and " + std::to_string(left) + " more");
 }
 
+void AddBoxRows(std::vector<PartRow>& rows, const VeltraBoxState& box) {
+  for (const BoxPart& part : kBoxParts) {
+    PartRow row{std::string(part.name), box.running.Of(part), box.stored.Of(part), {}};
+    if (part.isOptional && row.running == 0 && row.stored == 0) continue;
+    // It is the firmware that speaks for the box.
+    if (part.kind == BoxPartKind::kFirmware) AddErrors(row.errors, box.errors);
+    rows.push_back(std::move(row));
+  }
+}
+
 }  // namespace
 
 Bench::Bench(BenchState state) : clock_(state.clockNanoseconds), platform_(clock_) {
@@ -27,6 +37,9 @@ Bench::Bench(BenchState state) : clock_(state.clockNanoseconds), platform_(clock
     cards_[i] = std::make_unique<HostCard>(board, *std::move(state.cards[i]), clock_);
     platform_.devices().Add(board.interfaceClass, std::string(board.devicePath), *cards_[i]);
   }
+  if (!state.box) return;
+  box_ = std::make_unique<VeltraBox>(*std::move(state.box));
+  if (HostCard* const boxCard = card(kBelmaraBoard)) boxCard->Connect(box_.get());
 }
 
 HostCard* Bench::card(const Board& board) {
@@ -41,15 +54,23 @@ void Bench::UseFaults(FaultPlan* faults) {
 }
 
 void Bench::PowerCycle() {
-  for (const auto& card : cards_)
-    if (card != nullptr) card->state().PowerCycle(clock_.NowNanoseconds());
+  for (const auto& card : cards_) {
+    if (card == nullptr) continue;
+    card->CatchUp();
+    card->state().PowerCycle(clock_.NowNanoseconds());
+  }
+  if (box_ != nullptr) box_->PowerCycle(clock_.NowNanoseconds());
 }
 
 BenchState Bench::Copy() const {
   BenchState state;
   state.clockNanoseconds = clock_.NowNanoseconds();
-  for (std::size_t i = 0; i < cards_.size(); ++i)
-    if (cards_[i] != nullptr) state.cards[i] = std::as_const(*cards_[i]).state();
+  for (std::size_t i = 0; i < cards_.size(); ++i) {
+    if (cards_[i] == nullptr) continue;
+    cards_[i]->CatchUp();
+    state.cards[i] = std::as_const(*cards_[i]).state();
+  }
+  if (box_ != nullptr) state.box = std::as_const(*box_).state();
   return state;
 }
 
@@ -57,6 +78,14 @@ BenchState Bench::State() const {
   BenchState state = Copy();
   for (auto& card : state.cards)
     if (card) card->flash.Settle();
+  std::optional<VeltraBox> box;
+  if (box_ != nullptr) box = *box_;
+  for (std::size_t i = 0; i < state.cards.size(); ++i)
+    if (state.cards[i] && kHostCards[i]->hasBoxFifo) state.cards[i]->fifo.Settle(box ? &*box : nullptr);
+  if (box) {
+    box->state().Settle();
+    state.box = box->state();
+  }
   return state;
 }
 
@@ -64,6 +93,7 @@ BenchState Bench::StateAfterPowerLoss() const {
   BenchState state = Copy();
   for (auto& card : state.cards)
     if (card) card->PowerCycle(state.clockNanoseconds);
+  if (state.box) state.box->PowerCycle(state.clockNanoseconds);
   return state;
 }
 
@@ -79,12 +109,14 @@ std::vector<PartRow> RowsOf(const BenchState& state) {
     const std::string name(kHostCards[i]->name);
     PartRow flash{name, card.flashRunning, StoredVersion(card.flash.memory()), {}};
     AddErrors(flash.errors, card.errors);
+    AddErrors(flash.errors, card.fifo.errors());
     AddErrors(flash.errors, card.flash.errors());
     rows.push_back(std::move(flash));
     // The Karvel of a card goes by the card's first letter.
     rows.push_back(
         {name.substr(0, 1) + "karvel", KarvelRevision(card.karvelRunning), KarvelRevision(card.karvelStored), {}});
   }
+  if (state.box) AddBoxRows(rows, *state.box);
   return rows;
 }
 

@@ -9,6 +9,7 @@
 
 #include "simulator/HostCard.h"
 #include "simulator/SimulatedPlatform.h"
+#include "simulator/VeltraBox.h"
 
 namespace simulator {
 
@@ -17,6 +18,8 @@ struct BenchState {
   std::int64_t clockNanoseconds = 0;
   /// The cards in the order of `kHostCards`; nothing where none is plugged in.
   std::array<std::optional<HostCardState>, 2> cards;
+  /// The break-out box; nothing where there is none. It is connected to the first of the cards.
+  std::optional<VeltraBoxState> box;
 };
 
 /// One part of the hardware, as it is shown.
@@ -48,15 +51,18 @@ class Bench {
   SimulatedFrontEnd& frontEnd() { return platform_.frontEnd(); }
   /// The card of this board, or null where none is plugged in.
   HostCard* card(const Board& board);
+  /// The break-out box, or null where there is none.
+  VeltraBox* box() { return box_.get(); }
 
-  /// The plan that the chips ask about flash faults from now on; null for none. Must outlive its use.
+  /// The plan that the hardware asks about its faults from now on; null for none. Must outlive its use.
   void UseFaults(FaultPlan* faults);
 
   /// Takes the power away at this moment and gives it back: operations in flight leave what they leave, and what is
   /// stored runs. The clock goes on.
   void PowerCycle();
 
-  /// The bench some time later: operations in flight have come to their end.
+  /// The bench some time later: operations in flight have come to their end, a download that was not programmed is
+  /// given up, and answers of the box wait in the reply FIFO.
   BenchState State() const;
   /// The bench as a power cycle at this moment would leave it. The bench itself goes on undisturbed.
   BenchState StateAfterPowerLoss() const;
@@ -70,6 +76,7 @@ class Bench {
   VirtualClock clock_;
   SimulatedPlatform platform_;
   std::array<std::unique_ptr<HostCard>, 2> cards_;
+  std::unique_ptr<VeltraBox> box_;
 };
 
 /// A row for each part of a bench that nobody uses at the moment.
@@ -78,13 +85,17 @@ std::vector<PartRow> RowsOf(const BenchState& state);
 /// The host cards that a new bench gets.
 enum class HostCards { kBoth, kBelmara, kDovu, kNone };
 
+/// The break-out box that a new bench gets.
+enum class BoxChoice { kOn, kOff, kNone };
+
 struct BenchOptions {
   HostCards hostCards = HostCards::kBoth;
+  BoxChoice box = BoxChoice::kOn;
   /// The same seed makes the same bench.
   std::uint64_t seed = 1;
 };
 
-/// A bench with cards as they come from the shelf: all parts at versions older than this release's.
+/// A bench with cards and a box as they come from the shelf: all parts at versions older than this release's.
 BenchState MakeBench(const BenchOptions& options);
 
 }  // namespace simulator

@@ -37,7 +37,8 @@ std::string Latin1(const std::string& path, const std::string& utf8) {
   return bytes;
 }
 
-VpdArea ReadVpd(JsonFields fields) {
+std::vector<VpdField> ReadVpdFields(const JsonFields& outer) {
+  JsonFields fields = outer;
   std::vector<VpdField> content;
   for (const std::string& key : fields.Keys()) {
     const std::string path = fields.PathOf(key);
@@ -47,8 +48,12 @@ VpdArea ReadVpd(JsonFields fields) {
     if (text.size() > 255) FailAt(path, "a field has at most 255 characters");
     content.emplace_back(keyword, text);
   }
+  return content;
+}
+
+VpdArea ReadVpdArea(const JsonFields& fields) {
   try {
-    return MakeVpdArea("", {content});
+    return MakeVpdArea("", {ReadVpdFields(fields)});
   } catch (const std::length_error&) {
     FailAt(fields.path(), "the fields do not fit into " + std::to_string(kVpdAreaBytes) + " bytes");
   }
@@ -57,7 +62,7 @@ VpdArea ReadVpd(JsonFields fields) {
 HostCardState ReadCard(JsonFields fields, const FlashNames& names) {
   HostCardState card;
   auto vpd = fields.Object("vpd");
-  card.vpd = std::make_shared<const VpdArea>(vpd ? ReadVpd(*vpd) : MakeVpdArea("", {}));
+  card.vpd = std::make_shared<const VpdArea>(vpd ? ReadVpdArea(*vpd) : MakeVpdArea("", {}));
   card.karvelStored = static_cast<std::uint32_t>(fields.HexNumber("karvel", 8).value_or(0));
   if (const auto version = fields.HexNumber("flash", 4))
     card.flash = FlashChip(
@@ -65,6 +70,46 @@ HostCardState ReadCard(JsonFields fields, const FlashNames& names) {
   fields.Finish();
   card.PowerCycle(0);
   return card;
+}
+
+BoxVersions ReadBoxConfig(JsonFields fields) {
+  BoxVersions versions;
+  for (std::size_t i = 0; i < kBoxRevisions; ++i)
+    if (const auto revision = fields.HexNumber(std::string(kBoxRevisionNames[i]), 2))
+      versions.revisions[i] = static_cast<std::uint8_t>(*revision);
+  if (const auto text = fields.Text("FirmwareRev")) {
+    const std::string path = fields.PathOf("FirmwareRev");
+    versions.firmwareRev = Latin1(path, *text);
+    if (versions.firmwareRev.size() > VeltraBox::kFirmwareRevBytes)
+      FailAt(path, "does not fit into an answer: more than " + std::to_string(VeltraBox::kFirmwareRevBytes) + " bytes");
+  }
+  fields.Finish();
+  return versions;
+}
+
+std::vector<std::uint8_t> ReadBoxVpd(const JsonFields& fields) {
+  std::vector<std::uint8_t> vpd;
+  try {
+    vpd = MakeVpdBlock("", {ReadVpdFields(fields)});
+  } catch (const std::length_error&) {
+    vpd.clear();
+  }
+  if (vpd.empty() || vpd.size() > VeltraBox::kVpdBytes)
+    FailAt(fields.path(), "does not fit into an answer: more than " + std::to_string(VeltraBox::kVpdBytes) + " bytes");
+  return vpd;
+}
+
+VeltraBoxState ReadBox(JsonFields fields) {
+  VeltraBoxState box;
+  if (auto config = fields.Object("config")) box.stored = ReadBoxConfig(*std::move(config));
+  box.running = box.stored;
+  if (auto vpd = fields.Object("vpd")) {
+    for (std::size_t i = 0; i < box.vpd.size(); ++i)
+      if (const auto board = vpd->Object(std::string(kBoxBoards[i]))) box.vpd[i] = ReadBoxVpd(*board);
+    vpd->Finish();
+  }
+  fields.Finish();
+  return box;
 }
 
 void CheckFileName(const std::string& path, const std::string& name) {
@@ -106,7 +151,7 @@ BenchDescription ParseBenchDescription(std::string_view text) {
     for (std::size_t i = 0; i < description.state.cards.size(); ++i)
       if (auto card = veltra->Object(std::string(kHostCards[i]->name)))
         description.state.cards[i] = ReadCard(*std::move(card), kFlashNames[i]);
-    if (veltra->Value("box") != nullptr) FailAt(veltra->PathOf("box"), "the box is not simulated yet");
+    if (auto box = veltra->Object("box")) description.state.box = ReadBox(*std::move(box));
     veltra->Finish();
   }
   if (root.Value("morvak") != nullptr) FailAt(root.PathOf("morvak"), "the Orbo QX line is not simulated yet");

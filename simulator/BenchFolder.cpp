@@ -120,16 +120,40 @@ FlashChip ReadFlash(JsonFields fields, std::uint64_t& image) {
   return flash;
 }
 
-json CardJson(const HostCardState& card, std::uint64_t imageChecksum) {
-  return {{"vpd", HexOfBytes(*card.vpd)},
-          {"karvelRunning", Hex(card.karvelRunning, 8)},
-          {"karvelStored", Hex(card.karvelStored, 8)},
-          {"flashRunning", Version(card.flashRunning)},
-          {"flash", FlashJson(card.flash, imageChecksum)},
-          {"errors", Errors(card.errors)}};
+json FifoJson(const BoxFifo& fifo) {
+  std::vector<std::uint8_t> bytes;
+  for (const std::uint32_t word : fifo.Replies())
+    for (const int shift : {24, 16, 8, 0})
+      bytes.push_back(static_cast<std::uint8_t>(word >> shift));
+  return {{"replies", HexOfBytes(bytes)}, {"errors", Errors(fifo.errors())}};
 }
 
-HostCardState ReadCard(JsonFields fields, std::uint64_t& image) {
+BoxFifo ReadFifo(JsonFields fields) {
+  const auto bytes = fields.Needed("replies", fields.HexBytes("replies"));
+  if (bytes.size() % 4 != 0 || bytes.size() / 4 > BoxFifo::kReplyWords)
+    FailAt(fields.PathOf("replies"), "has a wrong length");
+  std::vector<std::uint32_t> words(bytes.size() / 4);
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    words[i / 4] = words[i / 4] << 8 | bytes[i];
+  BoxFifo fifo;
+  fifo.SetReplies(words);
+  fifo.errors() = ReadErrors(fields.Needed("errors", fields.Object("errors")));
+  fields.Finish();
+  return fifo;
+}
+
+json CardJson(const Board& board, const HostCardState& card, std::uint64_t imageChecksum) {
+  json value = {{"vpd", HexOfBytes(*card.vpd)},
+                {"karvelRunning", Hex(card.karvelRunning, 8)},
+                {"karvelStored", Hex(card.karvelStored, 8)},
+                {"flashRunning", Version(card.flashRunning)},
+                {"flash", FlashJson(card.flash, imageChecksum)},
+                {"errors", Errors(card.errors)}};
+  if (board.hasBoxFifo) value["fifo"] = FifoJson(card.fifo);
+  return value;
+}
+
+HostCardState ReadCard(const Board& board, JsonFields fields, std::uint64_t& image) {
   HostCardState card;
   const auto vpd = fields.Needed("vpd", fields.HexBytes("vpd"));
   if (vpd.size() != kVpdAreaBytes) FailAt(fields.PathOf("vpd"), "has a wrong length");
@@ -142,8 +166,54 @@ HostCardState ReadCard(JsonFields fields, std::uint64_t& image) {
     card.flashRunning = static_cast<std::uint16_t>(*running);
   card.errors = ReadErrors(fields.Needed("errors", fields.Object("errors")));
   card.flash = ReadFlash(fields.Needed("flash", fields.Object("flash")), image);
+  // Not there in benches that are older than the box.
+  if (auto fifo = board.hasBoxFifo ? fields.Object("fifo") : std::nullopt) card.fifo = ReadFifo(*std::move(fifo));
   fields.Finish();
   return card;
+}
+
+json BoxVersionsJson(const BoxVersions& versions) {
+  return {{"revisions", HexOfBytes(versions.revisions)}, {"firmwareRev", HexOfBytes(AsBytes(versions.firmwareRev))}};
+}
+
+BoxVersions ReadBoxVersions(JsonFields fields) {
+  BoxVersions versions;
+  const auto revisions = fields.Needed("revisions", fields.HexBytes("revisions"));
+  if (revisions.size() != versions.revisions.size()) FailAt(fields.PathOf("revisions"), "has a wrong length");
+  std::copy(revisions.begin(), revisions.end(), versions.revisions.begin());
+  const auto text = fields.Needed("firmwareRev", fields.HexBytes("firmwareRev"));
+  if (text.size() > VeltraBox::kFirmwareRevBytes) FailAt(fields.PathOf("firmwareRev"), "has a wrong length");
+  versions.firmwareRev.assign(text.begin(), text.end());
+  fields.Finish();
+  return versions;
+}
+
+json BoxJson(const VeltraBoxState& box) {
+  json vpd = json::object();
+  for (std::size_t i = 0; i < box.vpd.size(); ++i)
+    if (box.vpd[i]) vpd[std::string(kBoxBoards[i])] = HexOfBytes(*box.vpd[i]);
+  return {{"isOn", box.isOn},
+          {"running", BoxVersionsJson(box.running)},
+          {"stored", BoxVersionsJson(box.stored)},
+          {"vpd", std::move(vpd)},
+          {"errors", Errors(box.errors)}};
+}
+
+VeltraBoxState ReadBox(JsonFields fields) {
+  VeltraBoxState box;
+  box.isOn = fields.Needed("isOn", fields.Flag("isOn"));
+  box.running = ReadBoxVersions(fields.Needed("running", fields.Object("running")));
+  box.stored = ReadBoxVersions(fields.Needed("stored", fields.Object("stored")));
+  JsonFields vpd = fields.Needed("vpd", fields.Object("vpd"));
+  for (std::size_t i = 0; i < box.vpd.size(); ++i) {
+    const std::string board(kBoxBoards[i]);
+    box.vpd[i] = vpd.HexBytes(board);
+    if (box.vpd[i] && box.vpd[i]->size() > VeltraBox::kVpdBytes) FailAt(vpd.PathOf(board), "has a wrong length");
+  }
+  vpd.Finish();
+  box.errors = ReadErrors(fields.Needed("errors", fields.Object("errors")));
+  fields.Finish();
+  return box;
 }
 
 BenchState ReadState(JsonFields fields, std::array<std::uint64_t, 2>& images) {
@@ -154,8 +224,9 @@ BenchState ReadState(JsonFields fields, std::array<std::uint64_t, 2>& images) {
   JsonFields cards = fields.Needed("cards", fields.Object("cards"));
   for (std::size_t i = 0; i < state.cards.size(); ++i)
     if (auto card = cards.Object(std::string(kHostCards[i]->name)))
-      state.cards[i] = ReadCard(*std::move(card), images[i]);
+      state.cards[i] = ReadCard(*kHostCards[i], *std::move(card), images[i]);
   cards.Finish();
+  if (auto box = fields.Object("box")) state.box = ReadBox(*std::move(box));
   fields.Finish();
   return state;
 }
@@ -184,9 +255,10 @@ void SaveBench(const fs::path& folder, const BenchState& state) {
     const Board& board = *kHostCards[i];
     const std::uint64_t image = SaveImage(folder, board, state.cards[i]->flash.memory());
     images.insert(ImageName(board, image));
-    cards[std::string(board.name)] = CardJson(*state.cards[i], image);
+    cards[std::string(board.name)] = CardJson(board, *state.cards[i], image);
   }
-  const json whole = {{"format", kFormat}, {"clock", state.clockNanoseconds}, {"cards", std::move(cards)}};
+  json whole = {{"format", kFormat}, {"clock", state.clockNanoseconds}, {"cards", std::move(cards)}};
+  if (state.box) whole["box"] = BoxJson(*state.box);
   ReplaceFile(StateFile(folder), AsBytes(whole.dump(1) + "\n"));
   RemoveOldFiles(folder, images);
 }

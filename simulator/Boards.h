@@ -14,12 +14,15 @@ struct Board {
   std::string_view devicePath;
   /// Where its register window is said to be: a name, not memory, whose low half is not 0.
   std::uint64_t windowAddress;
+  /// The break-out box hangs on it.
+  bool hasBoxFifo = false;
 };
 
 inline constexpr Board kBelmaraBoard = {"belmara",
                                         {0x65703B92, 0x7B12, 0x41B3, {0x9B, 0x07, 0x9B, 0x13, 0x1B, 0xAA, 0x36, 0x4B}},
                                         R"(\\?\pci#slot02#0&00000000&0&0010#{65703b92-7b12-41b3-9b07-9b131baa364b})",
-                                        0x0000'7B32'4C40'0000};
+                                        0x0000'7B32'4C40'0000,
+                                        true};
 
 inline constexpr Board kDovuBoard = {"dovu",
                                      {0x02201D82, 0x4779, 0x40DE, {0xBB, 0xD8, 0xF1, 0x4D, 0x9E, 0xF4, 0xD8, 0x3E}},

@@ -30,6 +30,23 @@ enum class Fault {
   kBufferBusy,
   kProgramFails,
   kProgramStuck,
+  kBoxSilent,
+  kBoxOff,
+  kBoxLate,
+  kBoxReplyCut,
+  kBoxNoHeader,
+  kBoxLengthLow,
+  kBoxLengthHigh,
+  kBoxValuesMissing,
+  kBoxStatusFail,
+  kBoxStatusNotSupported,
+  kBoxStatusTransmit,
+  kBoxStatusTimeOut,
+  kBoxStatusUnknown,
+  kTransferRefused,
+  kProgramAnswerWrong,
+  kCommandFifoFull,
+  kStaleReplies,
   kPowerCut,
 };
 
@@ -73,6 +90,11 @@ class FaultPlan {
   std::vector<FaultRequest> requests_;
   std::array<std::uint64_t, static_cast<std::size_t>(Fault::kPowerCut) + 1> counts_{};
 };
+
+/// Asks a plan, if there is one.
+inline bool Strikes(FaultPlan* plan, Fault fault) {
+  return plan != nullptr && plan->Strikes(fault);
+}
 
 /// Thrown out of the register write at which the plug is pulled. Derives from nothing, so that only a handler that
 /// means it, or everything, catches it.

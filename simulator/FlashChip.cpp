@@ -177,7 +177,7 @@ void FlashChip::RequestBuffer(std::uint32_t wordAddress, FaultPlan* faults) {
     bufferRefused_ = true;
     return Refuse("write to buffer with error bits " + Hex(registers_.errorBits, 2) + " set" + At(wordAddress));
   }
-  if (faults != nullptr && faults->Strikes(Fault::kBufferBusy)) {
+  if (Strikes(faults, Fault::kBufferBusy)) {
     bufferRefused_ = true;
     return;
   }

@@ -8,9 +8,10 @@
 
 #include "platform/RegisterWindow.h"
 #include "simulator/Boards.h"
+#include "simulator/BoxFifo.h"
 #include "simulator/FlashChip.h"
+#include "simulator/MappedCard.h"
 #include "simulator/ProtocolErrors.h"
-#include "simulator/SimulatedDevice.h"
 #include "simulator/VirtualClock.h"
 #include "simulator/Vpd.h"
 
@@ -25,56 +26,58 @@ struct HostCardState {
   std::optional<std::uint16_t> flashRunning;
   FlashChip flash;
   std::uint32_t flashAddressRegister = 0;
-  /// What the card itself refused; the flash keeps its own.
+  /// Towards the break-out box, on a board that has it.
+  BoxFifo fifo;
+  /// What the card itself refused; flash and FIFOs keep their own.
   ProtocolErrors errors;
 
   /// Takes the power away at this moment and gives it back: what is stored then runs.
   void PowerCycle(std::int64_t nowNanoseconds);
 };
 
-/// One host card behind its driver: control calls, and a register window with the VPD area, the Karvel version word and
-/// the pair of flash registers. An access to any other register, a misaligned one, and a write to what can only be read
-/// are protocol errors; such reads give all ones. Each access moves the clock.
+/// One host card behind its driver: control calls, and a register window with the VPD area, the Karvel version word,
+/// the pair of flash registers and, on one of the boards, those of the FIFOs to the break-out box. An access to any
+/// other register, a misaligned one, and a write to what can only be read are protocol errors; such reads give all
+/// ones. Each access moves the clock.
 ///
 ///     HostCard card(kBelmaraBoard, state, clock);
 ///     card.Write(HostCard::kFlashAddress, 0x100000);
 ///     card.Read(HostCard::kFlashData);
-class HostCard : public SimulatedDevice, public platform::RegisterTrap {
+class HostCard : public MappedCard, public platform::RegisterTrap {
  public:
   static constexpr std::int64_t kAccessNanoseconds = 250;
-  static constexpr std::uint32_t kWindowBytes = 0x100000;
   static constexpr std::uint32_t kVpdFirst = 0x02000;
   static constexpr std::uint32_t kKarvelVersion = 0x04000;
   static constexpr std::uint32_t kFlashAddress = 0x04008;
   static constexpr std::uint32_t kFlashData = 0x0400C;
 
-  static constexpr std::uint32_t kGetBoardMemoryMap = 0xC1762080;
-  static constexpr std::uint32_t kMapMemory = 0xC1762404;
-
   /// `board` and `clock` must outlive the card.
   HostCard(const Board& board, HostCardState state, VirtualClock& clock)
-      : board_(board), state_(std::move(state)), clock_(clock) {}
+      : MappedCard(board.windowAddress, this), board_(board), state_(std::move(state)), clock_(clock) {}
 
   const Board& board() const { return board_; }
   HostCardState& state() { return state_; }
   const HostCardState& state() const { return state_; }
-  /// The plan that the flash asks from now on; null for none. Must outlive its use.
+  /// The plan that flash, FIFOs and box ask from now on; null for none. Must outlive its use.
   void UseFaults(FaultPlan* faults) { faults_ = faults; }
+  /// Connects a box, or null for none. Must outlive its use.
+  void Connect(VeltraBox* box) { box_ = box; }
+  /// Lets happen what between card and box is due by now.
+  void CatchUp() { state_.fifo.CatchUp(clock_.NowNanoseconds(), box_, faults_); }
 
   std::uint32_t Control(std::uint32_t code, std::span<const std::uint8_t> in, std::span<std::uint8_t> out,
                         std::uint32_t& returned) override;
-  platform::RegisterTrap* TrapAt(std::uint64_t address) override;
   std::uint32_t Read(std::uint32_t offset) override;
   void Write(std::uint32_t offset, std::uint32_t value) override;
 
  private:
-  std::uint32_t MemoryMap(std::span<const std::uint8_t> in, std::span<std::uint8_t> out, std::uint32_t& returned);
-  std::uint32_t MapMemory(std::span<const std::uint8_t> in, std::span<std::uint8_t> out, std::uint32_t& returned);
+  bool IsFifoRegister(std::uint32_t offset) const { return board_.hasBoxFifo && BoxFifo::HasRegister(offset); }
 
   const Board& board_;
   HostCardState state_;
   VirtualClock& clock_;
   FaultPlan* faults_ = nullptr;
+  VeltraBox* box_ = nullptr;
 };
 
 }  // namespace simulator

@@ -10,7 +10,7 @@ constexpr std::int64_t kNanosecondsPerMillisecond = 1'000'000;
 
 bool VirtualClock::QueryPerformanceCounter(std::int64_t& ticks) {
   if (counterFrequency_ == 0) return false;
-  Advance(kReadNanoseconds);
+  Advance(readNanoseconds_);
   // Whole seconds and the rest apart, so that the product stays inside 64 bits.
   const std::int64_t seconds = nowNanoseconds_ / kNanosecondsPerSecond;
   const std::int64_t rest = nowNanoseconds_ % kNanosecondsPerSecond;
@@ -25,7 +25,7 @@ bool VirtualClock::QueryPerformanceFrequency(std::int64_t& ticksPerSecond) {
 }
 
 std::uint32_t VirtualClock::GetTickCount() {
-  Advance(kReadNanoseconds);
+  Advance(readNanoseconds_);
   return static_cast<std::uint32_t>(nowNanoseconds_ / kNanosecondsPerMillisecond);
 }
 
@@ -50,7 +50,7 @@ std::uint32_t VirtualClock::timeGetTime() {
 }
 
 std::int64_t VirtualClock::PresentTime() {
-  Advance(kReadNanoseconds);
+  Advance(readNanoseconds_);
   return kEpochSeconds + nowNanoseconds_ / kNanosecondsPerSecond;
 }
 

@@ -15,7 +15,7 @@ namespace simulator {
 ///     clock.NowNanoseconds() == 20'000'250;   // looking this way costs nothing
 class VirtualClock : public platform::Clock {
  public:
-  /// What a look at any of the platform's clocks costs.
+  /// What a look at any of the platform's clocks costs, unless told otherwise.
   static constexpr std::int64_t kReadNanoseconds = 1'000;
   /// What giving up the rest of a time slice, `Sleep(0)`, costs.
   static constexpr std::int64_t kYieldNanoseconds = 20'000;
@@ -30,6 +30,8 @@ class VirtualClock : public platform::Clock {
   std::int64_t NowNanoseconds() const { return nowNanoseconds_; }
   /// Lets time pass. `nanoseconds` is not negative.
   void Advance(std::int64_t nanoseconds) { nowNanoseconds_ += nanoseconds; }
+  /// What a look costs from now on, not negative. With a large cost a wait that polls is over after a few looks.
+  void SetReadNanoseconds(std::int64_t nanoseconds) { readNanoseconds_ = nanoseconds; }
   /// Ticks a second, 1 to 1,000,000,000; 0 makes this a system without a counter.
   void SetCounterFrequency(std::int64_t ticksPerSecond) { counterFrequency_ = ticksPerSecond; }
   /// How many `timeBeginPeriod` have not been given back.
@@ -46,6 +48,7 @@ class VirtualClock : public platform::Clock {
 
  private:
   std::int64_t nowNanoseconds_;
+  std::int64_t readNanoseconds_ = kReadNanoseconds;
   std::int64_t counterFrequency_ = kDefaultCounterFrequency;
   int openTimerPeriods_ = 0;
 };

@@ -20,7 +20,8 @@ void AddLargeResource(std::vector<std::uint8_t>& area, std::uint8_t tag, const s
 
 }  // namespace
 
-VpdArea MakeVpdArea(const std::string& product, const std::vector<std::vector<VpdField>>& resources) {
+std::vector<std::uint8_t> MakeVpdBlock(const std::string& product,
+                                       const std::vector<std::vector<VpdField>>& resources) {
   std::vector<std::uint8_t> bytes;
   AddLargeResource(bytes, kProductName, {product.begin(), product.end()});
   for (const auto& fields : resources) {
@@ -35,6 +36,11 @@ VpdArea MakeVpdArea(const std::string& product, const std::vector<std::vector<Vp
   }
   bytes.push_back(kEnd);
   if (bytes.size() > kVpdAreaBytes) throw std::length_error("VPD area too long");
+  return bytes;
+}
+
+VpdArea MakeVpdArea(const std::string& product, const std::vector<std::vector<VpdField>>& resources) {
+  const std::vector<std::uint8_t> bytes = MakeVpdBlock(product, resources);
   VpdArea area{};
   std::copy(bytes.begin(), bytes.end(), area.begin());
   return area;

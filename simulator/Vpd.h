@@ -16,8 +16,11 @@ using VpdArea = std::array<std::uint8_t, kVpdAreaBytes>;
 /// Keyword and text of one field. A keyword has two characters, a text at most 255.
 using VpdField = std::pair<std::string, std::string>;
 
-/// An area that begins with a named product, has one fields resource for each list, in order, ends with an end
-/// resource, and is zero behind it. Throws `std::length_error` when that does not fit.
+/// A block that begins with a named product, has one fields resource for each list, in order, and ends with an end
+/// resource. Throws `std::length_error` when it is longer than an area.
+std::vector<std::uint8_t> MakeVpdBlock(const std::string& product, const std::vector<std::vector<VpdField>>& resources);
+
+/// An area that begins with such a block, and is zero behind it. Throws as well.
 VpdArea MakeVpdArea(const std::string& product, const std::vector<std::vector<VpdField>>& resources);
 
 }  // namespace simulator

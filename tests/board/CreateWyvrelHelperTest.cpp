@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "board/CreateWyvrelHelper.h"
+#include "BoxFifoScripts.h"
 #include "DriverScripts.h"
 #include "errorException.h"
 #include "support/ManualClock.h"
@@ -43,7 +44,9 @@ class CreateWyvrelHelperTest : public ::testing::Test {
   platform::ScopedPlatform scope{system};
 };
 
-DeviceScript OpensBelmara(platform::RegisterTrap& registers) {
+/// Its reply FIFO is empty, which is looked at.
+DeviceScript OpensBelmara(test_support::ScriptedRegisters& registers) {
+  registers.Expect(box_fifo::EmptyFlush());
   return Join(OpensCard(kBelmara, kBelmaraHandle), MapsRegisters(kBelmaraHandle, registers, 0x20));
 }
 DeviceScript OpensDovu(platform::RegisterTrap& registers) {

@@ -1,39 +1,19 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "errorException.h"
+#include "OneDictionary.h"
 #include "platform/Platform.h"
 #include "support/CapturedOutput.h"
 #include "support/PlatformDouble.h"
+#include "support/ScriptedTransport.h"
 #include "talcpath.h"
-#include "WyvrelHelper.h"
 
 // Helpers keep the Talc library started among them.
 
 namespace {
-
-/// A transport that has nothing of its own.
-class BareHelper : public WyvrelHelperRep {
- public:
-  BareHelper() : WyvrelHelperRep(OpenMode::kHostCards) {}
-  bool Open() override { return true; }
-  const char* GetPrompt() const override { return ""; }
-  bool IsCodecPresent(std::int32_t) override { return false; }
-};
-
-/// One embedded dictionary, whose text a test sets.
-class OneDictionary : public platform::TextBlocks {
- public:
-  std::vector<std::string> List(std::string_view) override { return {"dictionary"}; }
-  std::optional<std::string_view> Bytes(std::string_view, std::string_view) override { return text; }
-
-  std::string text;
-};
 
 /// Only a started library compiles; another one says so in its log, which is not of interest here.
 bool IsStarted() {
@@ -49,18 +29,16 @@ TEST(TalcUsers, AreNoneAtFirst) {
 
 class TalcUsersTest : public testing::Test {
  protected:
-  TalcUsersTest() { blocks.text = "HWConfigFB Talc CommandTypeMajor SYSTEM CommandTypeMinor 0 Function 1 ;"; }
-
   test_support::PlatformDouble system;
-  OneDictionary blocks;
+  OneDictionary blocks{"HWConfigFB Talc CommandTypeMajor SYSTEM CommandTypeMinor 0 Function 1 ;"};
   platform::ScopedPlatform scope{(system.Use(blocks), system)};
 };
 
 TEST_F(TalcUsersTest, StartTheLibraryWithTheFirstHelperAndStopItWithTheLast) {
   test_support::CapturedOutput output;
-  auto first = std::make_unique<BareHelper>();
+  auto first = std::make_unique<ScriptedTransport>();
   EXPECT_TRUE(IsStarted());
-  auto second = std::make_unique<BareHelper>();
+  auto second = std::make_unique<ScriptedTransport>();
   first.reset();
   EXPECT_TRUE(IsStarted());
   second.reset();
@@ -71,7 +49,7 @@ TEST_F(TalcUsersTest, StartTheLibraryWithTheFirstHelperAndStopItWithTheLast) {
 
 TEST_F(TalcUsersTest, StartTheLibraryAnewAfterTheLastHelperWent) {
   for (int i = 0; i < 2; ++i) {
-    const BareHelper helper;
+    const ScriptedTransport helper;
     EXPECT_TRUE(IsStarted());
   }
   EXPECT_FALSE(IsStarted());
@@ -83,7 +61,7 @@ TEST_F(TalcUsersTest, AreRefusedWhenTheLibraryDoesNotStartAndDoNotCountThen) {
   {
     const test_support::CapturedOutput log;
     try {
-      const BareHelper helper;
+      const ScriptedTransport helper;
       ADD_FAILURE() << "nothing was thrown";
     } catch (const errorException& error) {
       EXPECT_STREQ(error.what(), "TalcPath Failed to initialize.");
@@ -92,7 +70,7 @@ TEST_F(TalcUsersTest, AreRefusedWhenTheLibraryDoesNotStartAndDoNotCountThen) {
   }
   EXPECT_FALSE(IsStarted());
   blocks.text = good;
-  const BareHelper helper;
+  const ScriptedTransport helper;
   EXPECT_TRUE(IsStarted());
 }
 

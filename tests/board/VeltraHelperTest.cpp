@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "board/VeltraHelper.h"
+#include "BoxFifoScripts.h"
 #include "DriverScripts.h"
 #include "errorException.h"
 #include "support/ManualClock.h"
@@ -33,6 +34,7 @@ class VeltraHelperTest : public ::testing::Test {
 
   void ExpectBelmara() {
     devices.Expect(Join(OpensCard(kBelmara, kBelmaraHandle), MapsRegisters(kBelmaraHandle, belmara, 0x20)));
+    belmara.Expect(box_fifo::EmptyFlush());
   }
   void ExpectDovu() { devices.Expect(Join(OpensCard(kDovu, kDovuHandle), MapsRegisters(kDovuHandle, dovu, 0x30))); }
   void ExpectNoBelmara() { devices.Expect(IsAbsent(kBelmara)); }
@@ -75,6 +77,7 @@ TEST_F(VeltraHelperTest, OpensWhatItsModeLooksForAndIsThere) {
       EXPECT_EQ(static_cast<int>(helper.boardKind), each.boardKind);
       EXPECT_EQ(helper.HasTalcPath(), each.hasBelmara);
       devices.ExpectDone();
+      belmara.ExpectDone();
 
       if (each.hasBelmara) devices.Expect(Closes(kBelmaraHandle));
       if (looksForDovu && each.hasDovu) devices.Expect(Closes(kDovuHandle));
@@ -138,6 +141,7 @@ class OpenedVeltraHelper : public VeltraHelperTest {
     VeltraHelper helper(OpenMode::kHostCards);
     helper.Open();
     devices.ExpectDone();
+    belmara.ExpectDone();
     use(helper);
     if (hasBelmara) devices.Expect(Closes(kBelmaraHandle));
     if (hasDovu) devices.Expect(Closes(kDovuHandle));

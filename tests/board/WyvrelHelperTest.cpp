@@ -5,17 +5,14 @@
 #include <vector>
 
 #include "errorException.h"
-#include "WyvrelHelper.h"
+#include "support/ScriptedTransport.h"
 
 namespace {
 
-/// A transport that has nothing of its own.
-class BareHelper : public WyvrelHelperRep {
+/// A transport that has nothing of its own, and that is not to be asked for anything.
+class BareHelper : public ScriptedTransport {
  public:
-  explicit BareHelper(OpenMode mode) : WyvrelHelperRep(mode) {}
-  bool Open() override { return true; }
-  const char* GetPrompt() const override { return ""; }
-  bool IsCodecPresent(std::int32_t) override { return false; }
+  using ScriptedTransport::ScriptedTransport;
   using WyvrelHelperRep::openMode;
 };
 

@@ -11,11 +11,17 @@
 #include "dictionary/Log.h"
 #include "engine/Library.h"
 #include "EnginePlatform.h"
-#include "PacketText.h"
+#include "support/PacketText.h"
 #include "support/PlatformDouble.h"
 #include "talcpath.h"
 
 namespace engine_test {
+
+using test_support::Bytes;
+using test_support::FromHex;
+using test_support::Hex;
+using test_support::PacketOf;
+using test_support::operator+;
 
 using TalcPath::TalcByteCode;
 using TalcPath::TalcCommand;

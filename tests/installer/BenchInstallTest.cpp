@@ -4,18 +4,29 @@
 #include "BenchRun.h"
 #include "support/ScopedWorkingFolder.h"
 
-// Whole runs against simulated host cards: what the user sees, what a front end is told, and what the cards hold then.
+// Whole runs against a simulated bench, of which the host cards are programmed: what the user sees, what a front end is
+// told, and what the cards hold then.
 
 namespace {
 
 using simulator::BenchState;
 using simulator::HostCards;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 constexpr char kHeading[] =
     "   Part Name   Board Fn Rev   Current Flash   Expected Flash\n"
     "   ---------   ------------   -------------   --------------\n";
+
+/// The box of a new bench.
+constexpr char kBoxRows[] =
+    "   pelgrimar      02.01           0218           0220\n"
+    "      fwcore      02.01           0224-b         0225\n"
+    "      tulmen      02.01           0001           0002\n"
+    "      vulmen      02.01           00e1           0001\n"
+    "     tolmarn      02.01           0230           0232\n"
+    "       ulmen      02.01           001b           001c\n";
 
 class BenchInstall : public testing::Test {
  protected:
@@ -42,8 +53,8 @@ TEST_F(BenchInstall, WithoutArgumentsShowsTheVersionsAndTouchesNothing) {
                          "     belmara      02.01           1160           1161\n"
                          "        dovu      02.01           1160           1161\n"
                          "     bkarvel      02.01           0016           N/A\n"
-                         "     dkarvel      02.01           0016           N/A\n"
-                         "Press 'Enter' to exit.\n");
+                         "     dkarvel      02.01           0016           N/A\n" +
+                         kBoxRows + "Press 'Enter' to exit.\n");
   EXPECT_EQ(run.err, "");
   for (std::size_t card : {0u, 1u})
     EXPECT_EQ(state_.cards[card]->flash.memory(), before.cards[card]->flash.memory());
@@ -66,7 +77,8 @@ TEST_F(BenchInstall, AllBringsBothCardsToTheExpectedVersion) {
                 "     belmara      02.01           1161           1161\n"
                 "        dovu      02.01           1161           1161\n"
                 "     bkarvel      02.01           0016           N/A\n"
-                "     dkarvel      02.01           0016           N/A\n");
+                "     dkarvel      02.01           0016           N/A\n" +
+                kBoxRows);
   EXPECT_THAT(ProtocolErrors(state_), IsEmpty());
 }
 
@@ -147,7 +159,8 @@ TEST_F(BenchInstall, WithTheFirstCardAloneTheSecondIsNotMissed) {
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.out, std::string(kHeading) +
                          "     belmara      02.01           1160           1161\n"
-                         "     bkarvel      02.01           0016           N/A\n");
+                         "     bkarvel      02.01           0016           N/A\n" +
+                         kBoxRows);
   EXPECT_EQ(run.err, "");
 }
 
@@ -209,21 +222,29 @@ std::vector<std::string> Read(const std::vector<simulator::ReceivedMessage>& mes
   return texts;
 }
 
+/// 0x1160 is 4448, 0x218 is 536, and so on.
+const std::vector<std::string> kVersionRecords = {
+    "belmara has 4448 of 4449", "dovu has 4448 of 4449", "pelgrimar has 536 of 544", "fwcore has 548 of 549",
+    "tulmen has 1 of 2",        "vulmen has 225 of 1",   "tolmarn has 560 of 562",   "ulmen has 27 of 28"};
+
 TEST_F(BenchInstall, AFrontEndIsToldEverything) {
   WriteBothFiles();
   std::vector<simulator::ReceivedMessage> received;
   RunOnBench(state_, {"-version", "-belmara", "-nopause"}, {}, &received);
-  // 0x1160 is 4448 and 0x1161 is 4449; the Karvels have no expectation, and so no record.
-  EXPECT_THAT(Read(received), ElementsAre("belmara has 4448 of 4449", "dovu has 4448 of 4449", "belmara Loading 0",
-                                          "belmara Loading 100", "belmara Programming 0", "belmara Programming 100",
-                                          "belmara Done 100", "restart 1 0"));
+  // The Karvels have no expectation, and so no record.
+  std::vector<std::string> expected = kVersionRecords;
+  expected.insert(expected.end(), {"belmara Loading 0", "belmara Loading 100", "belmara Programming 0",
+                                   "belmara Programming 100", "belmara Done 100", "restart 1 0"});
+  EXPECT_THAT(Read(received), ElementsAreArray(expected));
 }
 
 TEST_F(BenchInstall, NoprogressSilencesProgressRecordsOnly) {
   WriteBothFiles();
   std::vector<simulator::ReceivedMessage> received;
   RunOnBench(state_, {"-version", "-belmara", "-nopause", "-noprogress"}, {}, &received);
-  EXPECT_THAT(Read(received), ElementsAre("belmara has 4448 of 4449", "dovu has 4448 of 4449", "restart 1 0"));
+  std::vector<std::string> expected = kVersionRecords;
+  expected.push_back("restart 1 0");
+  EXPECT_THAT(Read(received), ElementsAreArray(expected));
 }
 
 TEST_F(BenchInstall, AFailedRunAsksForNoRestart) {
@@ -241,6 +262,54 @@ TEST_F(BenchInstall, AFrontEndChangesNothingOnTheConsole) {
   EXPECT_EQ(with.out, without.out);
   EXPECT_EQ(with.err, without.err);
   EXPECT_EQ(with.exitCode, without.exitCode);
+}
+
+// A CPLD of 3,000 bytes burns for 6.02 seconds. Each question takes a second, and every other one brings a report:
+// 2, 4 and 6 seconds of 180 estimated ones.
+TEST_F(BenchInstall, ALongBurnShowsItsTimeInPercentOfTheEstimate) {
+  folder_.Write("TULM0002.rbi", Container("TULM", "0002", std::string("\0\2", 2) + std::string(2998, 't')));
+  std::vector<simulator::ReceivedMessage> received;
+  const InstallerRun run = RunOnBench(state_, {"-tulmen"}, {}, &received);
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.out,
+            "tulmen\nLoading\nProgramming\n1%\n2%\n3%\n100%\nDone\n"
+            "To complete installation, power cycle your Veltra Kore.\n"
+            "Press 'Enter' to exit.\n");
+  EXPECT_EQ(run.err, "");
+  EXPECT_THAT(Read(received),
+              ElementsAre("tulmen Loading 0", "tulmen Programming 0", "tulmen Programming 1", "tulmen Programming 2",
+                          "tulmen Programming 3", "tulmen Programming 100", "tulmen Done 100", "restart 0 1"));
+  EXPECT_THAT(ProtocolErrors(state_), IsEmpty());
+}
+
+TEST_F(BenchInstall, CardsAndBoxInOneRunGoCardsFirst) {
+  WriteBothFiles();
+  folder_.Write("ULMN0101.rbi", Container("ULMN", "001c", std::string("\0\x1c", 2)));
+  folder_.Write("PLGR0201.rbi", Container("PLGR", "0220", "image"));
+  const InstallerRun run = RunOnBench(state_, {"-all"});
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_EQ(run.out,
+            "belmara\nLoading\n100%\nProgramming\n100%\nDone\n"
+            "dovu\nLoading\n100%\nProgramming\n100%\nDone\n"
+            "pelgrimar\nLoading\nProgramming\n100%\nDone\n"
+            "ulmen\nLoading\nProgramming\n100%\nDone\n"
+            "To complete installation, power cycle your CPU and your Veltra Kore.\n"
+            "Press 'Enter' to exit.\n");
+  EXPECT_THAT(ProtocolErrors(state_), IsEmpty());
+}
+
+// The length of the header, which is not sent, lies behind the end of the file. The part has a version of 0 then.
+TEST_F(BenchInstall, ACpldFileOfNothingButAHeaderIsSentAsNothing) {
+  std::string file = Container("ULMN", "001c", "payload");
+  file[11] = 99;
+  folder_.Write("ULMN0101.rbi", file);
+  const InstallerRun run = RunOnBench(state_, {"-ulmen", "-nopause", "-noprogress"});
+  EXPECT_EQ(run.exitCode, 1);
+  for (const simulator::PartRow& row : simulator::RowsOf(state_)) {
+    if (row.part == "ulmen") {
+      EXPECT_EQ(row.stored, 0);
+    }
+  }
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -66,7 +67,7 @@ class ReadOnlyFlash : public platform::RegisterTrap {
   std::uint32_t address_ = 0;
 };
 
-/// A helper with host cards that a test makes up.
+/// A helper with host cards that a test makes up, and a box that is silent unless a class of the test's answers for it.
 class FakeHostCards : public VeltraSpecificHelper {
  public:
   struct Card {
@@ -87,6 +88,24 @@ class FakeHostCards : public VeltraSpecificHelper {
     card.flash.Attach(platform::RegisterWindow(0x4008, &card.chip));
   }
 
+  /// The commands that the box was asked with.
+  std::vector<std::string> asked;
+
+  HwcStatus ExecuteCommand(const char* name, Arguments) override {
+    asked.emplace_back(name);
+    return kHWCerr_CommandTimeout;
+  }
+  // Discovery only asks.
+  HwcStatus SendCommand(const char*, Arguments) override { std::abort(); }
+  HwcStatus PrecompileCommand(std::uint8_t*, std::uint32_t*, std::uint8_t, const char*, Arguments) override {
+    std::abort();
+  }
+  HwcStatus DecodeReply(const std::uint8_t*, std::uint32_t, const char*, Arguments) override { std::abort(); }
+  HwcStatus TransactBoBCommand(const std::uint8_t*, std::uint32_t, std::uint8_t*, std::uint32_t*, std::uint32_t,
+                               std::uint32_t) override {
+    std::abort();
+  }
+  HwcStatus TransactCommand(TalcPath::TalcCommand&) override { std::abort(); }
   const char* GetPrompt() const override { return ""; }
   bool IsCodecPresent(std::int32_t) override { return false; }
   void GetBoardVPD(const char* board, std::uint8_t (&buffer)[kBoardVpdBytes]) override {

@@ -237,7 +237,8 @@ TEST(DiscoverVeltraParts, GoesFromFlashToKarvelAndFromFirstCardToSecond) {
   EXPECT_EQ(parsed.installer.location(1).expected, 0x1161u);
   EXPECT_EQ(parsed.installer.location(2).expected, 0u);
   EXPECT_EQ(parsed.installer.location(3).expected, 0u);
-  EXPECT_EQ(output.err(), "");
+  EXPECT_EQ(output.err(), "Veltra BOB is inaccessable, and cannot be loaded.  Is BOB turned off?\n");
+  EXPECT_EQ(cards.asked, std::vector<std::string>{"HWConfigFB"});
 }
 
 TEST(DiscoverVeltraParts, WithoutTheFirstCardSaysThatTheBoxIsOutOfReach) {
@@ -248,6 +249,81 @@ TEST(DiscoverVeltraParts, WithoutTheFirstCardSaysThatTheBoxIsOutOfReach) {
   DiscoverVeltraParts(parsed.installer, cards);
   EXPECT_EQ(parsed.installer.locationCount(), 2) << "the second card's parts stay";
   EXPECT_EQ(output.err(), "There is no Belmara card (driver not loaded?), so Veltra BOB is inaccessible.\n");
+}
+
+/// A box that answers with this VPD, and says that it is so long.
+class VpdBox : public FakeHostCards {
+ public:
+  std::vector<std::uint8_t> vpd;
+  std::uint16_t size = 0;
+  std::string board;
+
+  HwcStatus ExecuteCommand(const char* name, Arguments arguments) override {
+    asked.emplace_back(name);
+    for (const Argument& argument : arguments) {
+      if (argument.tag == ArgumentTag::kText) board = static_cast<const char*>(argument.input);
+      if (argument.tag == ArgumentTag::kOutUInt16) *static_cast<std::uint16_t*>(argument.place) = size;
+      if (argument.tag != ArgumentTag::kOutBytes) continue;
+      EXPECT_EQ(argument.sizeBytes, 1999u);
+      std::copy(vpd.begin(), vpd.end(), static_cast<std::uint8_t*>(argument.place));
+    }
+    return kHWCerr_None;
+  }
+};
+
+TEST(QueryVpdPart, AddsWhatItWasTold) {
+  VpdBox box;
+  box.vpd = VpdWith({{"ZB", "1"}, {"ZC", "2"}});
+  box.size = static_cast<std::uint16_t>(box.vpd.size());
+  ParsedInstaller parsed;
+  QueryVpdPart(parsed.installer, box, "fwcore", "BROX", "VPD_Brox", 0x224, "b", 0x225);
+  EXPECT_EQ(box.asked, std::vector<std::string>{"VPDInfo"});
+  EXPECT_EQ(box.board, "VPD_Brox");
+  ASSERT_EQ(parsed.installer.locationCount(), 1);
+  const PartLocation& found = parsed.installer.location(0);
+  EXPECT_STREQ(found.part->name, "fwcore");
+  EXPECT_EQ(found.major, 1);
+  EXPECT_EQ(found.minor, 2);
+  EXPECT_EQ(found.current, 0x224u);
+  EXPECT_STREQ(found.suffix, "-b");
+  EXPECT_EQ(found.expected, 0x225u);
+}
+
+TEST(QueryVpdPart, BelievesTheSizeThatIsToldAndNoMoreThanThereIsRoomFor) {
+  const auto failure = [](std::uint16_t size) {
+    VpdBox box;
+    box.vpd = VpdWith({{"ZB", "1"}, {"ZC", "2"}});
+    box.size = size;
+    ParsedInstaller parsed;
+    return Failure([&] { QueryVpdPart(parsed.installer, box, "ulmen", "ULMN", "VPD_Brox", 0x1B, nullptr, 0x1C); });
+  };
+  constexpr char kNoMajor[] = "VersionDiscovery.cpp: Unable to decode major VPD information";
+  EXPECT_EQ(failure(12), "no failure");
+  EXPECT_EQ(failure(1999), "no failure");
+  for (const int size : {0, 1, 10, 2000, 65535})
+    EXPECT_EQ(failure(static_cast<std::uint16_t>(size)), kNoMajor) << size;
+}
+
+TEST(QueryVpdPart, ABoxThatDoesNotAnswerIsFatalBehindALine) {
+  FakeHostCards silent;
+  ParsedInstaller parsed;
+  CapturedOutput output;
+  EXPECT_EQ(Failure([&] { QueryVpdPart(parsed.installer, silent, "vulmen", "VULM", "VPD_Jorl", 0x1, nullptr, 0x1); }),
+            "VersionDiscovery.cpp: Unable to get VPD information");
+  EXPECT_EQ(output.err(), "Error: VPDInfo TALC command failed for VPD_Jorl, for device vulmen\n");
+  EXPECT_EQ(parsed.installer.locationCount(), 0);
+}
+
+TEST(QueryVpdPart, ARevisionOutOfRangeIsALineAndNoLocation) {
+  VpdBox box;
+  box.vpd = VpdWith({{"ZB", "A"}, {"ZC", "1F"}});
+  box.size = static_cast<std::uint16_t>(box.vpd.size());
+  ParsedInstaller parsed;
+  CapturedOutput output;
+  QueryVpdPart(parsed.installer, box, "tulmen", "TULM", "VPD_Fenrok", 0x1, nullptr, 0x2);
+  EXPECT_EQ(output.err(), "The tulmen function rev 10.31 cannot be updated using this utility\n")
+      << "decimal, unlike the table";
+  EXPECT_EQ(parsed.installer.locationCount(), 0);
 }
 
 /// A helper whose VPD read goes as a test says.

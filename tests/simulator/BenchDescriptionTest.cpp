@@ -16,6 +16,20 @@ std::string VpdText(const simulator::HostCardState& card, std::size_t length) {
   return {card.vpd->begin(), card.vpd->begin() + static_cast<std::ptrdiff_t>(length)};
 }
 
+/// Fields that make a VPD block of so many bytes, 7 of which are around them.
+std::string LongFields(std::size_t blockBytes) {
+  std::string fields = "{";
+  std::size_t left = blockBytes - 7;
+  for (int keyword = 10; left > 0; ++keyword) {
+    std::size_t field = std::min<std::size_t>(left, 258);
+    if (left > 258 && left < 258 + 3) field = 100;
+    fields.append(fields.size() > 1 ? "," : "").append("\"").append(std::to_string(keyword)).append("\":\"");
+    fields.append(field - 3, 'x').append("\"");
+    left -= field;
+  }
+  return fields + "}";
+}
+
 TEST(BenchDescription, CanBeEmpty) {
   for (const char* text : {"{}", R"({"files":null,"veltra":null,"morvak":null})",
                            R"({"veltra":{"belmara":null,"dovu":null,"box":null}})", R"({"files":{},"veltra":{}})"}) {
@@ -54,6 +68,40 @@ TEST(BenchDescription, TakesCharactersForBytes) {
   const BenchDescription description =
       ParseBenchDescription(R"({"veltra":{"dovu":{"vpd":{"\u00ffZ":"\u0080\u0000"}}}})");
   EXPECT_EQ(VpdText(*description.state.cards[1], 12), std::string("\x82\x00\x00\x90\x05\x00\xFFZ\x02\x80\x00\x78", 12));
+}
+
+TEST(BenchDescription, DescribesABox) {
+  const BenchDescription description = ParseBenchDescription(R"({"veltra": {"box": {
+      "config": {"SparkwellMajorRev": "2", "SparkwellMinorRev": "2F", "DolmbrinMajorRev": "3", "DolmbrinMinorRev": "4",
+                 "TarnvaldMajorRev": "5", "TarnvaldMinorRev": "6", "RavenshaleMajorRev": "7",
+                 "RavenshaleMinorRev": "8", "TanbrookMajorRev": "9", "TanbrookMinorRev": "a", "SalvikMajorRev": "b",
+                 "SalvikMinorRev": "0c", "FirmwareRev": "2.25\u00e9\u0000"},
+      "vpd": {"VPD_Fenrok": {"ZB": "1", "ZC": "0"}, "VPD_Jorl": null, "VPD_Brox": {}}}}})");
+  const auto& box = *description.state.box;
+  EXPECT_TRUE(box.isOn);
+  EXPECT_THAT(box.running.revisions, testing::ElementsAre(0x02, 0x2F, 3, 4, 5, 6, 7, 8, 9, 0x0A, 0x0B, 0x0C));
+  EXPECT_EQ(box.running.firmwareRev, std::string("2.25\xE9\0", 6));
+  EXPECT_EQ(box.stored, box.running);
+  EXPECT_THAT(*box.vpd[0], testing::ElementsAre(0x82, 0, 0, 0x90, 0, 0, 0x78));
+  EXPECT_THAT(*box.vpd[1], testing::ElementsAre(0x82, 0, 0, 0x90, 8, 0, 'Z', 'B', 1, '1', 'Z', 'C', 1, '0', 0x78));
+  EXPECT_FALSE(box.vpd[2].has_value());
+  EXPECT_FALSE(description.state.cards[0].has_value());
+}
+
+TEST(BenchDescription, DescribesABoxOfWhichNothingIsSaid) {
+  const BenchDescription description = ParseBenchDescription(R"({"veltra":{"box":{}}})");
+  EXPECT_EQ(description.state.box->running, simulator::BoxVersions());
+  EXPECT_FALSE(description.state.box->vpd[0].has_value());
+  EXPECT_FALSE(ParseBenchDescription(R"({"veltra":{"box":null}})").state.box.has_value());
+  EXPECT_FALSE(ParseBenchDescription("{}").state.box.has_value());
+}
+
+TEST(BenchDescription, TakesABoxWhoseAnswersAreFull) {
+  const BenchDescription description =
+      ParseBenchDescription("{\"veltra\":{\"box\":{\"config\":{\"FirmwareRev\":\"" + std::string(2032, '1') +
+                            "\"},\"vpd\":{\"VPD_Jorl\":" + LongFields(2040) + "}}}}");
+  EXPECT_EQ(description.state.box->running.firmwareRev.size(), 2032u);
+  EXPECT_EQ(description.state.box->vpd[2]->size(), 2040u);
 }
 
 TEST(BenchDescription, DescribesFiles) {
@@ -102,6 +150,10 @@ std::string Belmara(const std::string& content) {
   return R"({"veltra":{"belmara":)" + content + "}}";
 }
 
+std::string Box(const std::string& content) {
+  return R"({"veltra":{"box":)" + content + "}}";
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Bad, BenchDescriptionRefuses,
     testing::Values(
@@ -115,7 +167,32 @@ INSTANTIATE_TEST_SUITE_P(
         BadDescription{"KeyTwice", R"({"veltra":{"dovu":null,"dovu":{}}})",
                        R"(the key "dovu" stands twice in one object)"},
         BadDescription{"KeyWithLineEnd", R"({"a\nb":1})", "a?b: unknown key"},
-        BadDescription{"Box", R"({"veltra":{"box":{}}})", "veltra.box: the box is not simulated yet"},
+        BadDescription{"BoxType", R"({"veltra":{"box":[]}})", "veltra.box: expected an object, found a list"},
+        BadDescription{"BoxKey", Box(R"({"isOn":true})"), "veltra.box.isOn: unknown key"},
+        BadDescription{"BoxConfigType", Box(R"({"config":"2.25"})"),
+                       R"(veltra.box.config: expected an object, found "2.25")"},
+        BadDescription{"BoxConfigKey", Box(R"({"config":{"SparkwellRev":"2"}})"),
+                       "veltra.box.config.SparkwellRev: unknown key"},
+        BadDescription{"BoxRevisionNumber", Box(R"({"config":{"SalvikMinorRev":2}})"),
+                       "veltra.box.config.SalvikMinorRev: expected a text of 1 to 2 hexadecimal digits, found 2"},
+        BadDescription{"BoxRevisionLong", Box(R"({"config":{"TanbrookMajorRev":"100"}})"),
+                       "veltra.box.config.TanbrookMajorRev: expected a text of 1 to 2 hexadecimal digits, found "
+                       "\"100\""},
+        BadDescription{"BoxTextType", Box(R"({"config":{"FirmwareRev":2.25}})"),
+                       "veltra.box.config.FirmwareRev: expected a text, found 2.25"},
+        BadDescription{"BoxTextWide", Box(R"({"config":{"FirmwareRev":"\u0100"}})"),
+                       "veltra.box.config.FirmwareRev: holds a character above U+00FF"},
+        BadDescription{"BoxTextLong", Box(R"({"config":{"FirmwareRev":")" + std::string(2033, '1') + "\"}}"),
+                       "veltra.box.config.FirmwareRev: does not fit into an answer: more than 2032 bytes"},
+        BadDescription{"BoxBoard", Box(R"({"vpd":{"VPD_Morvak":{}}})"), "veltra.box.vpd.VPD_Morvak: unknown key"},
+        BadDescription{"BoxVpdType", Box(R"({"vpd":{"VPD_Jorl":"ZB"}})"),
+                       R"(veltra.box.vpd.VPD_Jorl: expected an object, found "ZB")"},
+        BadDescription{"BoxKeyword", Box(R"({"vpd":{"VPD_Brox":{"ZBC":"1"}}})"),
+                       "veltra.box.vpd.VPD_Brox.ZBC: a field's keyword has two characters"},
+        BadDescription{"BoxVpdOneTooLong", Box("{\"vpd\":{\"VPD_Brox\":" + LongFields(2041) + "}}"),
+                       "veltra.box.vpd.VPD_Brox: does not fit into an answer: more than 2040 bytes"},
+        BadDescription{"BoxVpdHuge", Box("{\"vpd\":{\"VPD_Brox\":" + LongFields(8193) + "}}"),
+                       "veltra.box.vpd.VPD_Brox: does not fit into an answer: more than 2040 bytes"},
         BadDescription{"Morvak", R"({"morvak":{"boardKind":5}})", "morvak: the Orbo QX line is not simulated yet"},
         BadDescription{"VeltraType", R"({"veltra":[]})", "veltra: expected an object, found a list"},
         BadDescription{"CardType", Belmara("true"), "veltra.belmara: expected an object, found true"},

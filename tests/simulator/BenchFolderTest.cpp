@@ -89,6 +89,41 @@ TEST_F(BenchFolderTest, KeepsEverything) {
   ExpectEqual(*loaded.cards[1], *state.cards[1]);
 }
 
+TEST_F(BenchFolderTest, KeepsTheBox) {
+  BenchState state = MakeBench({.hostCards = HostCards::kBelmara, .box = simulator::BoxChoice::kOff});
+  simulator::VeltraBoxState& box = *state.box;
+  box.stored.revisions = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 0xFF};
+  box.stored.firmwareRev = std::string("2.25 \xE9\0", 7);
+  box.vpd[0] = std::nullopt;
+  box.vpd[1] = std::vector<std::uint8_t>{};
+  box.vpd[2] = std::vector<std::uint8_t>(2040, 0xA5);
+  box.errors = simulator::ProtocolErrors({"box: one"}, 12);
+  state.cards[0]->fifo.SetReplies(std::vector<std::uint32_t>{0x0B0B0004, 0x80030000});
+  state.cards[0]->fifo.errors().Add("fifo: two");
+  Create(state);
+
+  const BenchState loaded = LoadBench(Bench());
+  EXPECT_FALSE(loaded.box->isOn);
+  EXPECT_EQ(loaded.box->running, box.running);
+  EXPECT_EQ(loaded.box->stored, box.stored);
+  EXPECT_EQ(loaded.box->vpd, box.vpd);
+  EXPECT_EQ(loaded.box->errors, box.errors);
+  EXPECT_THAT(loaded.cards[0]->fifo.Replies(), ElementsAre(0x0B0B0004, 0x80030000));
+  EXPECT_EQ(loaded.cards[0]->fifo.errors(), state.cards[0]->fifo.errors());
+}
+
+TEST_F(BenchFolderTest, LoadsABenchThatIsOlderThanTheBox) {
+  Create(MakeBench({}));
+  Change([](nlohmann::json& s) {
+    s.erase("box");
+    s["cards"]["belmara"].erase("fifo");
+  });
+  EXPECT_EQ(Complaint(), "");
+  const BenchState loaded = LoadBench(Bench());
+  EXPECT_FALSE(loaded.box.has_value());
+  EXPECT_TRUE(loaded.cards[0]->fifo.Replies().empty());
+}
+
 TEST_F(BenchFolderTest, KeepsWhichCardsAreThere) {
   Create(MakeBench({.hostCards = HostCards::kDovu}));
   const BenchState loaded = LoadBench(Bench());
@@ -98,7 +133,7 @@ TEST_F(BenchFolderTest, KeepsWhichCardsAreThere) {
 }
 
 TEST_F(BenchFolderTest, KeepsABenchWithoutCards) {
-  Create(MakeBench({.hostCards = HostCards::kNone}));
+  Create(MakeBench({.hostCards = HostCards::kNone, .box = simulator::BoxChoice::kNone}));
   EXPECT_TRUE(simulator::RowsOf(LoadBench(Bench())).empty());
 }
 
@@ -224,7 +259,31 @@ INSTANTIATE_TEST_SUITE_P(
                "clock: expected a whole number from 0 to 4611686018427387904, found -1"},
         Damage{"NoCards", [](Json& s) { s["cards"] = nullptr; }, "cards: is missing"},
         Damage{"UnknownCard", [](Json& s) { s["cards"]["velmara"] = nullptr; }, "cards.velmara: unknown key"},
-        Damage{"UnknownKey", [](Json& s) { s["box"] = 1; }, "box: unknown key"},
+        Damage{"UnknownKey", [](Json& s) { s["boxes"] = 1; }, "boxes: unknown key"},
+        Damage{"Box", [](Json& s) { s["box"] = 1; }, "box: expected an object, found 1"},
+        Damage{"BoxKey", [](Json& s) { s["box"]["burn"] = 1; }, "box.burn: unknown key"},
+        Damage{"BoxPower", [](Json& s) { s["box"]["isOn"] = "on"; }, "box.isOn: expected true or false, found \"on\""},
+        Damage{"NoBoxPower", [](Json& s) { s["box"].erase("isOn"); }, "box.isOn: is missing"},
+        Damage{"NoBoxVersions", [](Json& s) { s["box"].erase("running"); }, "box.running: is missing"},
+        Damage{"BoxRevisions", [](Json& s) { s["box"]["stored"]["revisions"] = "0102"; },
+               "box.stored.revisions: has a wrong length"},
+        Damage{"BoxText", [](Json& s) { s["box"]["stored"]["firmwareRev"] = std::string(2 * 2033, '3'); },
+               "box.stored.firmwareRev: has a wrong length"},
+        Damage{"BoxVersionsKey", [](Json& s) { s["box"]["stored"]["rev"] = ""; }, "box.stored.rev: unknown key"},
+        Damage{"BoxBoard", [](Json& s) { s["box"]["vpd"]["VPD_Other"] = ""; }, "box.vpd.VPD_Other: unknown key"},
+        Damage{"BoxVpdHex", [](Json& s) { s["box"]["vpd"]["VPD_Brox"] = "0"; },
+               "box.vpd.VPD_Brox: expected a text of two hexadecimal digits a byte, found \"0\""},
+        Damage{"BoxVpdLong", [](Json& s) { s["box"]["vpd"]["VPD_Brox"] = std::string(2 * 2041, '3'); },
+               "box.vpd.VPD_Brox: has a wrong length"},
+        Damage{"NoBoxErrors", [](Json& s) { s["box"].erase("errors"); }, "box.errors: is missing"},
+        Damage{"HalfAReply", [](Json& s) { s["cards"]["belmara"]["fifo"]["replies"] = "0b0b00"; },
+               "cards.belmara.fifo.replies: has a wrong length"},
+        Damage{"TooManyReplies", [](Json& s) { s["cards"]["belmara"]["fifo"]["replies"] = std::string(8 * 4097, '0'); },
+               "cards.belmara.fifo.replies: has a wrong length"},
+        Damage{"FifoKey", [](Json& s) { s["cards"]["belmara"]["fifo"]["commands"] = ""; },
+               "cards.belmara.fifo.commands: unknown key"},
+        Damage{"NoFifoErrors", [](Json& s) { s["cards"]["belmara"]["fifo"].erase("errors"); },
+               "cards.belmara.fifo.errors: is missing"},
         Damage{"ShortVpd", [](Json& s) { s["cards"]["belmara"]["vpd"] = "00"; },
                "cards.belmara.vpd: has a wrong length"},
         Damage{"VpdNoHex", [](Json& s) { s["cards"]["belmara"]["vpd"] = "0g"; },
@@ -250,6 +309,12 @@ INSTANTIATE_TEST_SUITE_P(
         Damage{"FlashKey", [](Json& s) { s["cards"]["belmara"]["flash"]["cells"] = 0; },
                "cards.belmara.flash.cells: unknown key"}),
     [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(BenchFolderTest, KnowsNoFifosOfTheSecondCard) {
+  Create(MakeBench({.hostCards = HostCards::kDovu}));
+  Change([](nlohmann::json& s) { s["cards"]["dovu"]["fifo"] = nullptr; });
+  EXPECT_EQ(Complaint(), folder.File(kState) + ": is damaged: cards.dovu.fifo: unknown key");
+}
 
 TEST_F(BenchFolderTest, RefusesAKeyThatStandsTwice) {
   Create(MakeBench({.hostCards = HostCards::kNone}));

@@ -5,6 +5,7 @@
 
 using simulator::Bench;
 using simulator::BenchState;
+using simulator::BoxChoice;
 using simulator::HostCards;
 using simulator::kBelmaraBoard;
 using simulator::kDovuBoard;
@@ -43,7 +44,7 @@ TEST(MakeBench, PlugsInTheCardsThatAreAskedFor) {
   };
   for (const Case& c : {Case{HostCards::kBoth, true, true}, Case{HostCards::kBelmara, true, false},
                         Case{HostCards::kDovu, false, true}, Case{HostCards::kNone, false, false}}) {
-    Bench bench(MakeBench({.hostCards = c.cards}));
+    Bench bench(MakeBench({.hostCards = c.cards, .box = BoxChoice::kNone}));
     EXPECT_EQ(bench.card(kBelmaraBoard) != nullptr, c.belmara);
     EXPECT_EQ(bench.card(kDovuBoard) != nullptr, c.dovu);
     EXPECT_EQ(bench.platform().devices().TrapAt(kBelmaraBoard.windowAddress) != nullptr, c.belmara);
@@ -54,7 +55,35 @@ TEST(MakeBench, PlugsInTheCardsThatAreAskedFor) {
 
 TEST(MakeBench, StartsWithOlderVersions) {
   EXPECT_THAT(Shown(RowsOf(MakeBench({}))),
-              testing::ElementsAre("belmara 4448 4448 0", "bkarvel 22 22 0", "dovu 4448 4448 0", "dkarvel 22 22 0"));
+              testing::ElementsAre("belmara 4448 4448 0", "bkarvel 22 22 0", "dovu 4448 4448 0", "dkarvel 22 22 0",
+                                   "pelgrimar 536 536 0", "fwcore 548 548 0", "tulmen 1 1 0", "vulmen 225 225 0",
+                                   "tolmarn 560 560 0", "ulmen 27 27 0"));
+}
+
+TEST(MakeBench, ConnectsTheBoxThatIsAskedFor) {
+  EXPECT_TRUE(MakeBench({}).box->isOn);
+  EXPECT_FALSE(MakeBench({.box = BoxChoice::kOff}).box->isOn);
+  EXPECT_FALSE(MakeBench({.box = BoxChoice::kNone}).box.has_value());
+  EXPECT_EQ(Bench(MakeBench({.box = BoxChoice::kNone})).box(), nullptr);
+  EXPECT_TRUE(MakeBench({.hostCards = HostCards::kNone}).box->isOn) << "there, but nothing is connected to it";
+}
+
+TEST(MakeBench, TakesTheBoxFromTheShelf) {
+  const simulator::VeltraBoxState box = *MakeBench({}).box;
+  EXPECT_THAT(box.running.revisions,
+              testing::ElementsAre(0x02, 0x18, 0x00, 0xE1, 0x00, 0x01, 0x02, 0x30, 0x00, 0x1B, 0x01, 0x00));
+  EXPECT_EQ(box.running.firmwareRev, "2.24 b");
+  EXPECT_EQ(box.stored, box.running);
+  for (const auto& vpd : box.vpd) {
+    const std::string text(vpd->begin(), vpd->end());
+    EXPECT_THAT(text, testing::HasSubstr(std::string("ZB\x01"
+                                                     "2ZC\x01"
+                                                     "1")));
+    EXPECT_THAT(text, testing::HasSubstr("PN"));
+    EXPECT_THAT(text, testing::HasSubstr("SN"));
+    EXPECT_LE(vpd->size(), 1'999u);
+  }
+  EXPECT_NE(box.vpd[0], box.vpd[1]);
 }
 
 TEST(MakeBench, LabelsTheCardsInTwoResources) {
@@ -90,7 +119,7 @@ TEST(Bench, MeetsAProgramThroughItsPlatform) {
 }
 
 TEST(Bench, RunsWhatIsStoredOnlyAfterAPowerCycle) {
-  Bench bench(MakeBench({.hostCards = HostCards::kBelmara}));
+  Bench bench(MakeBench({.hostCards = HostCards::kBelmara, .box = BoxChoice::kNone}));
   bench.card(kBelmaraBoard)->state().karvelStored = 0x00170000;
   EraseTopBlock(bench);
   bench.clock().Sleep(750);
@@ -100,7 +129,7 @@ TEST(Bench, RunsWhatIsStoredOnlyAfterAPowerCycle) {
 }
 
 TEST(Bench, LeavesAnOperationHalfDoneAtAPowerLoss) {
-  Bench bench(MakeBench({.hostCards = HostCards::kBelmara}));
+  Bench bench(MakeBench({.hostCards = HostCards::kBelmara, .box = BoxChoice::kNone}));
   EraseTopBlock(bench);
   bench.clock().Sleep(100);
   const BenchState cut = bench.StateAfterPowerLoss();
@@ -117,7 +146,7 @@ TEST(Bench, LeavesAnOperationHalfDoneAtAPowerLoss) {
 }
 
 TEST(Bench, HasItsOperationsEndedWhenItIsKept) {
-  Bench bench(MakeBench({.hostCards = HostCards::kBelmara}));
+  Bench bench(MakeBench({.hostCards = HostCards::kBelmara, .box = BoxChoice::kNone}));
   EraseTopBlock(bench);
   const BenchState kept = bench.State();
   EXPECT_THAT(Shown(RowsOf(kept)), testing::ElementsAre("belmara 4448 - 0", "bkarvel 22 22 0"));
@@ -143,7 +172,7 @@ TEST(Bench, HandsAFaultPlanToItsChips) {
 }
 
 TEST(Bench, ShowsTheErrorsOfCardAndFlash) {
-  Bench bench(MakeBench({.hostCards = HostCards::kBelmara}));
+  Bench bench(MakeBench({.hostCards = HostCards::kBelmara, .box = BoxChoice::kNone}));
   FlashWrite(bench, 0, 0x33);
   bench.card(kBelmaraBoard)->Read(0x4004);
   bench.PowerCycle();
@@ -155,6 +184,137 @@ TEST(Bench, ShowsTheErrorsOfCardAndFlash) {
   ASSERT_EQ(errors.size(), 102u);
   EXPECT_EQ(errors[100], "and 2 more");
   EXPECT_EQ(errors[101], "flash: unknown command 33 at word address 000000");
+}
+
+/// A bench whose box is in the middle of a conversation.
+class BenchWithBox : public testing::Test {
+ protected:
+  void Write(std::uint32_t offset, std::uint32_t value) { bench.card(kBelmaraBoard)->Write(offset, value); }
+  std::uint32_t Read(std::uint32_t offset) { return bench.card(kBelmaraBoard)->Read(offset); }
+  std::uint32_t Status() {
+    const std::uint32_t status = Read(0x80000);
+    Write(0x80000, status);
+    return status;
+  }
+  void Send(const std::vector<std::uint32_t>& words) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+      Write(0x80380, words[i]);
+      Write(0x80384, i == 0 ? 0x80000020 : 0x80000000);
+    }
+  }
+  /// Sends a command, waits a second, and drops its answer of two words.
+  void Done(const std::vector<std::uint32_t>& words) {
+    Send(words);
+    bench.clock().Sleep(1'000);
+    Write(0x80210, 0);
+    Write(0x80210, 0);
+  }
+  void SendHwConfig() { Send({0x0B0B0004, 0x80030000}); }
+  /// The CPLD ulmen at version 0123, with 2 bytes: a burn of 24 ms.
+  void Download() {
+    Done({0x0B0B000A, 0x80120000, 0x02030000, 0x00020000});
+    Done({0x0B0B0008, 0x80140000, 0x00020123});
+  }
+  void StartProgram() { Send({0x0B0B0004, 0x80160000}); }
+  /// The rows of firmware and ulmen.
+  static std::vector<std::string> Box(const std::vector<PartRow>& rows) { return {Shown(rows)[3], Shown(rows)[7]}; }
+
+  Bench bench{MakeBench({.hostCards = HostCards::kBelmara})};
+};
+
+TEST_F(BenchWithBox, ReachesItThroughTheFirstCard) {
+  SendHwConfig();
+  bench.clock().Sleep(1);
+  EXPECT_EQ(Read(0x80210), 0x0B0B0016u);
+  EXPECT_THAT(Box(bench.Rows()), testing::ElementsAre("fwcore 548 548 0", "ulmen 27 27 0"));
+}
+
+TEST_F(BenchWithBox, ShowsWhatTheBoxRefusedInTheFirmwaresRow) {
+  Send({0x0B0B0004, 0x80550000});
+  Read(0x80210);
+  const auto rows = bench.Rows();
+  EXPECT_THAT(rows[0].errors, testing::ElementsAre("fifo: read of an empty reply FIFO"));
+  EXPECT_EQ(rows[3].part, "fwcore");
+  EXPECT_THAT(rows[3].errors, testing::ElementsAre("box: command 8055: is not known"));
+}
+
+TEST_F(BenchWithBox, ShowsOptionalPartsWhereThereIsSomethingInThem) {
+  BenchState state = MakeBench({.hostCards = HostCards::kNone});
+  state.box->running = {};
+  state.box->stored = {};
+  EXPECT_THAT(Shown(RowsOf(state)), testing::ElementsAre("pelgrimar 0 0 0", "fwcore - - 0", "ulmen 0 0 0"));
+  state.box->stored.revisions[7] = 1;
+  state.box->running.revisions[4] = 1;
+  EXPECT_THAT(Shown(RowsOf(state)), testing::ElementsAre("pelgrimar 0 0 0", "fwcore - - 0", "tulmen 256 0 0",
+                                                         "tolmarn 0 1 0", "ulmen 0 0 0"));
+}
+
+TEST_F(BenchWithBox, RunsWhatWasBurntAfterAPowerCycle) {
+  Download();
+  StartProgram();
+  bench.clock().Sleep(25);
+  EXPECT_THAT(Box(bench.Rows()), testing::ElementsAre("fwcore 548 548 0", "ulmen 27 291 0"));
+  bench.PowerCycle();
+  EXPECT_THAT(Box(bench.Rows()), testing::ElementsAre("fwcore 548 548 0", "ulmen 291 291 0"));
+  EXPECT_EQ(Status(), 0x1100u) << "the answer is gone";
+}
+
+TEST_F(BenchWithBox, HasItsBurnEndedWhenItIsKept) {
+  Download();
+  StartProgram();
+  Bench later(bench.State());
+  EXPECT_THAT(Box(later.Rows()), testing::ElementsAre("fwcore 548 548 0", "ulmen 27 291 0"));
+  EXPECT_EQ(later.card(kBelmaraBoard)->Read(0x80210), 0x0B0B0004u) << "the answer waits";
+  EXPECT_EQ(Status(), 0x1100u) << "the bench itself still burns";
+}
+
+TEST_F(BenchWithBox, LosesABurnWithThePower) {
+  Download();
+  StartProgram();
+  bench.clock().Sleep(23);
+  EXPECT_EQ(RowsOf(bench.StateAfterPowerLoss())[7].stored, 0x001B);
+  EXPECT_FALSE(bench.StateAfterPowerLoss().box->burn.has_value());
+  bench.clock().Sleep(2);
+  EXPECT_EQ(RowsOf(bench.StateAfterPowerLoss())[7].running, 0x0123) << "although nobody looked";
+}
+
+TEST_F(BenchWithBox, GivesADownloadUpWhenItIsKept) {
+  Download();
+  Bench later(bench.State());
+  EXPECT_FALSE(later.State().box->transfer.has_value());
+  StartProgram();
+  EXPECT_EQ(bench.State().box->stored.revisions[9], 0x23) << "the bench itself goes on";
+}
+
+TEST_F(BenchWithBox, IsNotHurtByHalfAPacketOfTheLastRun) {
+  Send({0x0B0B0006, 0x80350000});
+  bench.clock().Sleep(1);
+  Bench later(bench.State());
+  EXPECT_TRUE(later.State().box->packet.empty());
+  EXPECT_EQ(later.Rows()[3].errors.size(), 0u);
+}
+
+TEST_F(BenchWithBox, HandsItsFaultPlanToTheBox) {
+  simulator::FaultPlan plan;
+  plan.Add(simulator::ParseFault("box-off"));
+  bench.UseFaults(&plan);
+  SendHwConfig();
+  bench.clock().Sleep(10);
+  EXPECT_EQ(Status(), 0x1100u);
+  SendHwConfig();
+  EXPECT_EQ(Bench(bench.State()).card(kBelmaraBoard)->Read(0x80210), 0xFFFFFFFFu) << "off to the end of the run";
+  EXPECT_EQ(plan.Count(simulator::Fault::kBoxOff), 1u);
+  EXPECT_TRUE(bench.State().box->isOn);
+}
+
+TEST_F(BenchWithBox, AsksItsPlanAboutWhatIsDueBeforeThePowerGoes) {
+  simulator::FaultPlan plan;
+  plan.Add(simulator::ParseFault("box-silent@3"));
+  bench.UseFaults(&plan);
+  Download();
+  StartProgram();
+  bench.clock().Sleep(1'000);
+  EXPECT_EQ(RowsOf(bench.StateAfterPowerLoss())[7].running, 0x001B);
 }
 
 }  // namespace

@@ -25,11 +25,41 @@ TEST(FaultTable, HasARowForEachFaultInOrder) {
     EXPECT_FALSE(entry.meaning.empty());
     EXPECT_EQ(entry.needsNumber, entry.name == "power-cut");
   }
-  EXPECT_THAT(names, testing::IsSupersetOf(std::set<std::string_view>{
-                         "device-missing", "class-set-fails", "interface-detail-fails", "open-fails", "control-fails",
-                         "memory-map-fails", "memory-map-short", "map-registers-fails", "map-registers-short",
-                         "map-refused", "map-refused-second", "write-lost", "erase-fails", "erase-stuck", "buffer-busy",
-                         "program-fails", "program-stuck", "power-cut"}));
+  EXPECT_THAT(names, testing::IsSupersetOf(std::set<std::string_view>{"device-missing",
+                                                                      "class-set-fails",
+                                                                      "interface-detail-fails",
+                                                                      "open-fails",
+                                                                      "control-fails",
+                                                                      "memory-map-fails",
+                                                                      "memory-map-short",
+                                                                      "map-registers-fails",
+                                                                      "map-registers-short",
+                                                                      "map-refused",
+                                                                      "map-refused-second",
+                                                                      "write-lost",
+                                                                      "erase-fails",
+                                                                      "erase-stuck",
+                                                                      "buffer-busy",
+                                                                      "program-fails",
+                                                                      "program-stuck",
+                                                                      "box-silent",
+                                                                      "box-off",
+                                                                      "box-late",
+                                                                      "box-reply-cut",
+                                                                      "box-no-header",
+                                                                      "box-length-low",
+                                                                      "box-length-high",
+                                                                      "box-values-missing",
+                                                                      "box-status-fail",
+                                                                      "box-status-not-supported",
+                                                                      "box-status-transmit",
+                                                                      "box-status-time-out",
+                                                                      "box-status-unknown",
+                                                                      "transfer-refused",
+                                                                      "program-answer-wrong",
+                                                                      "command-fifo-full",
+                                                                      "stale-replies",
+                                                                      "power-cut"}));
 }
 
 TEST(ParseFault, ReadsEveryNameOfTheTable) {
@@ -109,6 +139,14 @@ TEST(FaultPlan, TakesOneFaultSeveralTimes) {
   EXPECT_TRUE(plan.Strikes(Fault::kWriteLost));
   EXPECT_FALSE(plan.Strikes(Fault::kWriteLost));
   EXPECT_TRUE(plan.Strikes(Fault::kWriteLost));
+}
+
+TEST(FaultPlan, NeedNotBeThere) {
+  EXPECT_FALSE(simulator::Strikes(nullptr, Fault::kBoxSilent));
+  FaultPlan plan;
+  plan.Add(ParseFault("box-silent"));
+  EXPECT_TRUE(simulator::Strikes(&plan, Fault::kBoxSilent));
+  EXPECT_EQ(plan.Count(Fault::kBoxSilent), 1u);
 }
 
 TEST(FaultPlan, StrikesNothingWhenEmpty) {

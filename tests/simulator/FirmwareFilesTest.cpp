@@ -26,9 +26,10 @@ TEST(MakeRbi, WritesTheHeaderByteForByte) {
   EXPECT_EQ(std::string(file.begin(), file.end()), expected);
 }
 
-TEST(ReleaseFiles, AreOneForEachHostCard) {
-  const auto files = simulator::ReleaseFiles();
-  ASSERT_EQ(files.size(), 2u);
+TEST(ReleaseFiles, BeginWithOneForEachHostCard) {
+  auto files = simulator::ReleaseFiles();
+  ASSERT_EQ(files.size(), 8u);
+  files.resize(2);
   EXPECT_EQ(files[0].name, "BLMX0202.rbi");
   EXPECT_EQ(files[1].name, "DVUX0202.rbi");
   for (const FirmwareFile& file : files) {
@@ -39,6 +40,41 @@ TEST(ReleaseFiles, AreOneForEachHostCard) {
     EXPECT_LT(rbi.payloadBytes, 0x1E0000u) << "leaves the top block to the stamp";
     EXPECT_EQ(BytesOf(file, 1).size(), rbi.payloadBytes + 38);
   }
+}
+
+TEST(ReleaseFiles, HaveOneForEachPartOfTheBox) {
+  struct Case {
+    const char* name;
+    const char* id;
+    std::uint16_t version;
+    std::size_t payloadAtLeast;
+    std::size_t sent;  // without the header of 38 bytes where that is not sent
+  };
+  const Case cases[] = {{"PLGR0201.rbi", "PLGR", 0x0220, 1'150'000, 38}, {"BROX0201.rbi", "BROX", 0x0225, 650'000, 38},
+                        {"ULMN0101.rbi", "ULMN", 0x001C, 29'000, 0},     {"TULM0002.rbi", "TULM", 0x0002, 29'000, 0},
+                        {"VULM0101.rbi", "VULM", 0x0001, 29'000, 0},     {"TLM_0104.rbi", "TLM_", 0x0232, 750'000, 38}};
+  const auto files = simulator::ReleaseFiles();
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(files[2 + i].name, cases[i].name);
+    const auto& rbi = std::get<RbiContent>(files[2 + i].content);
+    EXPECT_EQ(rbi.partId, cases[i].id);
+    EXPECT_EQ(rbi.version, cases[i].version) << cases[i].name;
+    EXPECT_GE(rbi.payloadBytes, cases[i].payloadAtLeast) << cases[i].name;
+    EXPECT_NE((rbi.payloadBytes + cases[i].sent) % 1970, 0u) << "ends inside a piece: " << cases[i].name;
+    EXPECT_NE((rbi.payloadBytes + cases[i].sent) % 4, 0u) << "ends inside a word: " << cases[i].name;
+  }
+}
+
+TEST(FirmwareFile, OfACpldBeginsItsPayloadWithTheVersion) {
+  for (const char* id : {"ULMN", "TULM", "VULM"}) {
+    const auto bytes = BytesOf({"a.rbi", RbiContent{id, 0x1A2B, 3}}, 1);
+    ASSERT_EQ(bytes.size(), 41u);
+    EXPECT_EQ(bytes[38], 0x1A) << id;
+    EXPECT_EQ(bytes[39], 0x2B) << id;
+    EXPECT_EQ(BytesOf({"a.rbi", RbiContent{id, 0x1A2B, 1}}, 1).size(), 39u);
+  }
+  const auto other = BytesOf({"a.rbi", RbiContent{"PLGR", 0x1A2B, 3}}, 1);
+  EXPECT_FALSE(other[38] == 0x1A && other[39] == 0x2B);
 }
 
 TEST(FirmwareFile, FollowsItsNameAndSeed) {

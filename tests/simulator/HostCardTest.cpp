@@ -88,8 +88,8 @@ TEST_F(HostCardTest, AsksItsPlanAboutFlashFaults) {
 }
 
 TEST_F(HostCardTest, RefusesReadsOfOtherRegisters) {
-  const std::uint32_t refused[] = {0x00000, 0x01FFC, 0x02001, 0x02002, 0x04002, 0x04004,  0x04008,
-                                   0x0400D, 0x04010, 0x80000, 0x80210, 0x80400, 0x100000, 0xFFFFFFFC};
+  const std::uint32_t refused[] = {0x00000, 0x01FFC, 0x02001, 0x02002, 0x04002, 0x04004, 0x04008,  0x0400D,
+                                   0x04010, 0x7FFFC, 0x80004, 0x80214, 0x80388, 0x80400, 0x100000, 0xFFFFFFFC};
   for (const std::uint32_t offset : refused)
     EXPECT_EQ(card.Read(offset), 0xFFFFFFFFu) << std::hex << offset;
   EXPECT_EQ(card.state().errors.total(), std::size(refused));
@@ -98,13 +98,50 @@ TEST_F(HostCardTest, RefusesReadsOfOtherRegisters) {
 }
 
 TEST_F(HostCardTest, RefusesWritesOfOtherRegisters) {
-  const std::uint32_t refused[] = {0x00000, 0x02000, 0x03FFC, 0x04000, 0x04004, 0x04009, 0x0400E, 0x80380, 0x80400};
+  const std::uint32_t refused[] = {0x00000, 0x02000, 0x03FFC, 0x04000, 0x04004,
+                                   0x04009, 0x0400E, 0x80004, 0x80388, 0x80400};
   for (const std::uint32_t offset : refused)
     card.Write(offset, 0x12345678);
   EXPECT_EQ(card.state().errors.total(), std::size(refused));
   EXPECT_EQ(Errors()[1], "card: write of 12345678 to register 02000");
   EXPECT_EQ(card.Read(0x02000), 0x44332211u);
   EXPECT_EQ(card.Read(0x04000), 0x00160000u);
+}
+
+TEST_F(HostCardTest, HasTheFifosOfTheBoxOnOneBoardOnly) {
+  EXPECT_EQ(card.Read(0x80000), 0x1100u) << "there also without a box";
+  card.Write(0x80000, 0x1100);
+  EXPECT_THAT(Errors(), IsEmpty());
+  EXPECT_EQ(card.state().fifo.errors().total(), 0u);
+
+  HostCard dovu{simulator::kDovuBoard, State(), clock};
+  for (const std::uint32_t offset : {0x80000u, 0x80210u, 0x80380u, 0x80384u}) {
+    EXPECT_EQ(dovu.Read(offset), 0xFFFFFFFFu);
+    dovu.Write(offset, 0);
+  }
+  EXPECT_EQ(dovu.state().errors.total(), 8u);
+  EXPECT_EQ(dovu.state().fifo.errors().total(), 0u);
+}
+
+TEST_F(HostCardTest, SpeaksToTheBoxInItsClocksTime) {
+  simulator::VeltraBox box{{}};
+  card.Connect(&box);
+  for (const auto& [word, control] : {std::pair{0x0B0B0004u, 0x80000020u}, {0x80030000u, 0x80000000u}}) {
+    card.Write(0x80380, word);
+    card.Write(0x80384, control);
+  }
+  EXPECT_EQ(clock.NowNanoseconds(), 4 * 250);
+  clock.Advance(300'000 + 2 * 4'000);
+  EXPECT_EQ(card.Read(0x80210), 0x0B0B0010u);
+  EXPECT_EQ(card.state().fifo.errors().total(), 0u);
+}
+
+TEST_F(HostCardTest, LosesWhatIsInTheFifosWithThePower) {
+  card.state().fifo.AddStaleReplies();
+  EXPECT_EQ(card.Read(0x80000) & 0x1000, 0u);
+  card.state().PowerCycle(clock.NowNanoseconds());
+  EXPECT_EQ(card.Read(0x80000) & 0x1000, 0x1000u);
+  EXPECT_EQ(card.state().fifo.errors().total(), 0u);
 }
 
 TEST_F(HostCardTest, RunsWhatIsStoredAfterAPowerCycle) {
@@ -155,6 +192,24 @@ TEST_F(HostCardDriver, MapsItsRegisters) {
   EXPECT_EQ(card.TrapAt(0x00007B324C400000), &card);
   EXPECT_EQ(card.TrapAt(0x00007B324C400004), nullptr);
   EXPECT_EQ(card.TrapAt(0), nullptr);
+}
+
+TEST_F(HostCardDriver, FindsStaleRepliesOnDemand) {
+  simulator::FaultPlan plan;
+  plan.Add(simulator::ParseFault("stale-replies@2"));
+  card.UseFaults(&plan);
+  Control(0xC1762404, MapRequest(0, 0x100000));
+  EXPECT_TRUE(card.state().fifo.Replies().empty());
+  Control(0xC1762404, MapRequest(1, 0x100000));
+  EXPECT_TRUE(card.state().fifo.Replies().empty()) << "nothing was mapped";
+  Control(0xC1762404, MapRequest(0, 0x100000));
+  EXPECT_EQ(card.state().fifo.Replies().size(), 20u);
+  EXPECT_EQ(card.Read(0x80210), 0x0B0B0049u) << "there at once";
+
+  HostCard dovu{simulator::kDovuBoard, State(), clock};
+  dovu.UseFaults(&plan);
+  dovu.Control(0xC1762404, MapRequest(0, 0x100000), out, returned);
+  EXPECT_EQ(plan.Count(simulator::Fault::kStaleReplies), 2u);
 }
 
 TEST_F(HostCardDriver, ExaminesTheRecords) {

@@ -10,6 +10,11 @@ using simulator::VpdArea;
 
 namespace {
 
+TEST(MakeVpdBlock, EndsBehindItsEnd) {
+  EXPECT_EQ(simulator::MakeVpdBlock("A", {{{"ZB", "2"}}}),
+            (std::vector<std::uint8_t>{0x82, 0x01, 0x00, 'A', 0x90, 0x04, 0x00, 'Z', 'B', 0x01, '2', 0x78}));
+}
+
 TEST(MakeVpdArea, WritesProductFieldsAndEnd) {
   const VpdArea area = MakeVpdArea("AB", {{{"ZB", "2"}, {"PN", "1-2-3"}}, {{"ZA", ""}}});
   const std::string expected(

@@ -20,13 +20,24 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
+using testing::Not;
 using testing::StartsWith;
 
-constexpr char kNewBench[] =
+constexpr char kNewCards[] =
     "{\"errors\":[],\"part\":\"belmara\",\"running\":\"1160\",\"stored\":\"1160\"}\n"
     "{\"errors\":[],\"part\":\"bkarvel\",\"running\":\"0016\",\"stored\":\"0016\"}\n"
     "{\"errors\":[],\"part\":\"dovu\",\"running\":\"1160\",\"stored\":\"1160\"}\n"
     "{\"errors\":[],\"part\":\"dkarvel\",\"running\":\"0016\",\"stored\":\"0016\"}\n";
+constexpr char kNewBox[] =
+    "{\"errors\":[],\"part\":\"pelgrimar\",\"running\":\"0218\",\"stored\":\"0218\"}\n"
+    "{\"errors\":[],\"part\":\"fwcore\",\"running\":\"0224\",\"stored\":\"0224\"}\n"
+    "{\"errors\":[],\"part\":\"tulmen\",\"running\":\"0001\",\"stored\":\"0001\"}\n"
+    "{\"errors\":[],\"part\":\"vulmen\",\"running\":\"00e1\",\"stored\":\"00e1\"}\n"
+    "{\"errors\":[],\"part\":\"tolmarn\",\"running\":\"0230\",\"stored\":\"0230\"}\n"
+    "{\"errors\":[],\"part\":\"ulmen\",\"running\":\"001b\",\"stored\":\"001b\"}\n";
+const std::string kNewBench = std::string(kNewCards) + kNewBox;
+const std::vector<std::string> kReleaseFiles = {"BLMX0202.rbi", "BROX0201.rbi", "DVUX0202.rbi", "PLGR0201.rbi",
+                                                "TLM_0104.rbi", "TULM0002.rbi", "ULMN0101.rbi", "VULM0101.rbi"};
 
 MATCHER(IsOneLine, "is one line") {
   return arg.find('\n') == arg.size() - 1 && arg.size() > 1;
@@ -66,10 +77,10 @@ class Fwbench : public testing::Test {
   test_support::TempFolder folder_;
 };
 
-TEST_F(Fwbench, MakesABenchOfBothCardsAndTheirFirmware) {
+TEST_F(Fwbench, MakesABenchOfBothCardsAndTheBoxAndTheirFirmware) {
   EXPECT_EQ(Output({"new", "bench"}), "");
   EXPECT_THAT(NamesIn("bench"), ElementsAre("firmware", "hardware"));
-  EXPECT_THAT(NamesIn("bench/firmware"), ElementsAre("BLMX0202.rbi", "DVUX0202.rbi"));
+  EXPECT_EQ(NamesIn("bench/firmware"), kReleaseFiles);
   EXPECT_THAT(folder_.ReadText("bench/firmware/DVUX0202.rbi").substr(12, 10), "R1161 DVUX");
   EXPECT_EQ(Output({"show", "bench", "--json"}), kNewBench);
 }
@@ -86,11 +97,25 @@ TEST_F(Fwbench, MakesTheSameBenchFromTheSameSeed) {
 
 TEST_F(Fwbench, PlugsInTheCardsThatAreAskedFor) {
   Output({"new", "b", "--host-cards", "belmara", "--box", "none", "--orbo-qx", "none"});
-  Output({"new", "d", "--host-cards", "dovu"});
-  Output({"new", "n", "--host-cards", "none"});
-  EXPECT_EQ(Output({"show", "b", "--json"}) + Output({"show", "d", "--json"}), kNewBench);
+  Output({"new", "d", "--host-cards", "dovu", "--box", "none"});
+  Output({"new", "n", "--host-cards", "none", "--box", "none"});
+  EXPECT_EQ(Output({"show", "b", "--json"}) + Output({"show", "d", "--json"}), kNewCards);
   EXPECT_EQ(Output({"show", "n", "--json"}), "");
-  EXPECT_THAT(NamesIn("n/firmware"), ElementsAre("BLMX0202.rbi", "DVUX0202.rbi"));
+  EXPECT_EQ(NamesIn("n/firmware"), kReleaseFiles);
+}
+
+TEST_F(Fwbench, ConnectsTheBoxThatIsAskedFor) {
+  const auto made = [&](const std::string& choice) {
+    Output({"new", choice, "--host-cards", "belmara", "--box", choice});
+    return nlohmann::json::parse(folder_.ReadText(choice + "/hardware/state.json"));
+  };
+  EXPECT_EQ(made("on")["box"]["isOn"], true);
+  EXPECT_EQ(made("off")["box"]["isOn"], false);
+  EXPECT_FALSE(made("none").contains("box"));
+  EXPECT_THAT(Output({"show", "off", "--json"}), EndsWith(kNewBox)) << "what it would run";
+  EXPECT_THAT(Output({"show", "none", "--json"}), Not(HasSubstr("fwcore")));
+  EXPECT_EQ(Output({"power-cycle", "off"}), "");
+  EXPECT_EQ(nlohmann::json::parse(folder_.ReadText("off/hardware/state.json"))["box"]["isOn"], false);
 }
 
 TEST_F(Fwbench, MakesWhatADescriptionSays) {
@@ -108,8 +133,9 @@ TEST_F(Fwbench, RefusesABadDescription) {
   folder_.Write("bad.json", R"({"veltra":{"dovu":{"flash":1160}}})");
   Fails({"new", "bench", "--describe", "bad.json"}, 1,
         "bad.json: veltra.dovu.flash: expected a text of 1 to 4 hexadecimal digits, found 1160");
-  folder_.Write("box.json", R"({"veltra":{"box":{}}})");
-  Fails({"new", "bench", "--describe", "box.json"}, 1, "box.json: veltra.box: the box is not simulated yet");
+  folder_.Write("box.json", R"({"veltra":{"box":{"config":{"FirmwareRev":2}}}})");
+  Fails({"new", "bench", "--describe", "box.json"}, 1,
+        "box.json: veltra.box.config.FirmwareRev: expected a text, found 2");
   Fails({"new", "bench", "--describe", "none.json"}, 2, "none.json: No such file or directory");
   EXPECT_FALSE(folder_.Has("bench"));
 }
@@ -124,15 +150,13 @@ TEST_F(Fwbench, RefusesAFolderThatHoldsSomething) {
 }
 
 TEST_F(Fwbench, SaysWhatIsNotSimulatedYet) {
-  Fails({"new", "bench", "--box", "on"}, 2, "--box on: the box is not simulated yet");
-  Fails({"new", "bench", "--box", "off"}, 2, "--box off: the box is not simulated yet");
   Fails({"new", "bench", "--orbo-qx", "4"}, 2, "--orbo-qx 4: the Orbo QX line is not simulated yet");
   Fails({"new", "bench", "--orbo-qx", "5"}, 2, "--orbo-qx 5: the Orbo QX line is not simulated yet");
   EXPECT_FALSE(folder_.Has("bench"));
 }
 
 TEST_F(Fwbench, ShowsATableForPeople) {
-  Output({"new", "bench", "--host-cards", "belmara"});
+  Output({"new", "bench", "--host-cards", "belmara", "--box", "none"});
   ChangeState([](nlohmann::json& state) {
     auto& card = state["cards"]["belmara"];
     card["flashRunning"] = nullptr;
@@ -159,7 +183,7 @@ TEST_F(Fwbench, ShowsErrorsAsJsonOfAsciiAlone) {
 }
 
 TEST_F(Fwbench, MakesWhatIsStoredRunAtAPowerCycle) {
-  Output({"new", "bench", "--host-cards", "belmara"});
+  Output({"new", "bench", "--host-cards", "belmara", "--box", "none"});
   ChangeState([](nlohmann::json& state) {
     state["cards"]["belmara"]["flashRunning"] = "1234";
     state["cards"]["belmara"]["karvelStored"] = "00170000";
@@ -196,11 +220,41 @@ TEST_F(Fwbench, RefusesAFolderWithoutABenchAndADamagedOne) {
 TEST_F(Fwbench, ListsItsFaultsOneALine) {
   const std::string faults = Output({"faults"});
   EXPECT_THAT(faults,
-              StartsWith("device-missing          enumerations of a device interface: the device is not there\n"));
-  for (const char* name :
-       {"class-set-fails", "interface-detail-fails", "open-fails", "control-fails", "memory-map-fails",
-        "memory-map-short", "map-registers-fails", "map-registers-short", "map-refused", "map-refused-second",
-        "write-lost", "erase-fails", "erase-stuck", "buffer-busy", "program-fails", "program-stuck", "power-cut"})
+              StartsWith("device-missing            enumerations of a device interface: the device is not there\n"));
+  for (const char* name : {"class-set-fails",
+                           "interface-detail-fails",
+                           "open-fails",
+                           "control-fails",
+                           "memory-map-fails",
+                           "memory-map-short",
+                           "map-registers-fails",
+                           "map-registers-short",
+                           "map-refused",
+                           "map-refused-second",
+                           "write-lost",
+                           "erase-fails",
+                           "erase-stuck",
+                           "buffer-busy",
+                           "program-fails",
+                           "program-stuck",
+                           "box-silent",
+                           "box-off",
+                           "box-late",
+                           "box-reply-cut",
+                           "box-no-header",
+                           "box-length-low",
+                           "box-length-high",
+                           "box-values-missing",
+                           "box-status-fail",
+                           "box-status-not-supported",
+                           "box-status-transmit",
+                           "box-status-time-out",
+                           "box-status-unknown",
+                           "transfer-refused",
+                           "program-answer-wrong",
+                           "command-fifo-full",
+                           "stale-replies",
+                           "power-cut"})
     EXPECT_THAT(faults, HasSubstr(std::string("\n").append(name).append(" ")));
 }
 

@@ -20,11 +20,13 @@ const std::map<std::string, simulator::HostCards> kHostCards = {{"both", simulat
                                                                 {"belmara", simulator::HostCards::kBelmara},
                                                                 {"dovu", simulator::HostCards::kDovu},
                                                                 {"none", simulator::HostCards::kNone}};
+const std::map<std::string, simulator::BoxChoice> kBoxes = {
+    {"on", simulator::BoxChoice::kOn}, {"off", simulator::BoxChoice::kOff}, {"none", simulator::BoxChoice::kNone}};
 
 struct NewOptions {
   std::string folder;
   std::string hostCards = "both";
-  std::string box = "none";
+  std::string box = "on";
   std::string orboQx = "none";
   std::uint64_t seed = 1;
   std::string description;
@@ -56,12 +58,11 @@ int MakeFromDescription(const NewOptions& options) {
 }
 
 int Make(const NewOptions& options) {
-  if (options.box != "none") throw UsageError("--box " + options.box + ": the box is not simulated yet");
   if (options.orboQx != "none")
     throw UsageError("--orbo-qx " + options.orboQx + ": the Orbo QX line is not simulated yet");
   if (!options.description.empty()) return MakeFromDescription(options);
-  const simulator::BenchState state =
-      simulator::MakeBench({.hostCards = kHostCards.at(options.hostCards), .seed = options.seed});
+  const simulator::BenchState state = simulator::MakeBench(
+      {.hostCards = kHostCards.at(options.hostCards), .box = kBoxes.at(options.box), .seed = options.seed});
   simulator::CreateBench(options.folder, state, simulator::ReleaseFiles(), options.seed);
   return kDone;
 }
@@ -79,7 +80,7 @@ void AddNewCommand(CLI::App& app, Action& action) {
     command->add_option(name, value, help)->check(CLI::IsMember(words))->capture_default_str()->excludes(describe);
   };
   choice("--host-cards", options->hostCards, "Cards to plug in", {"both", "belmara", "dovu", "none"});
-  choice("--box", options->box, "Break-out box (only none for now)", {"on", "off", "none"});
+  choice("--box", options->box, "Break-out box: switched on, switched off, or not there", {"on", "off", "none"});
   choice("--orbo-qx", options->orboQx, "Orbo QX model (only none for now)", {"4", "5", "none"});
   command->add_option("--seed", options->seed, "The same seed makes the same bench")
       ->check(CheckSeed)

@@ -63,7 +63,7 @@ int PowerCycle(const std::string& folder) {
 
 int ListFaults() {
   for (const simulator::FaultEntry& entry : simulator::FaultTable())
-    std::printf("%-24s%s: %s\n", std::string(entry.name).c_str(), std::string(entry.strikes).c_str(),
+    std::printf("%-26s%s: %s\n", std::string(entry.name).c_str(), std::string(entry.strikes).c_str(),
                 std::string(entry.meaning).c_str());
   return Printed();
 }

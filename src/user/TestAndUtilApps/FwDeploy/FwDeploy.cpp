@@ -11,6 +11,7 @@
 
 #include "board/CreateWyvrelHelper.h"
 #include "container/RbiContainer.h"
+#include "download/BoxDownloadHelpers.h"
 #include "download/DownloadDriver.h"
 #include "download/ZerinHelper.h"
 #include "errorException.h"
@@ -42,6 +43,23 @@ constexpr FlagOption kFlagOptions[] = {
 };
 
 constexpr std::int64_t kHostFlashEstimateMicroseconds = 30'000'000;
+
+enum class BoxRoad { kFpga, kFirmware, kCpld };
+
+/// How a part of the box is programmed.
+struct BoxDownload {
+  const char* partId;
+  BoxRoad road;
+  std::uint8_t number;  ///< the box's number of the device; its firmware has none
+  /// How long the part takes to burn, by experience. The percentages are counted against it, and nothing else.
+  std::int64_t estimateMicroseconds;
+};
+
+constexpr BoxDownload kBoxDownloads[] = {
+    {"PLGR", BoxRoad::kFpga, 0, 20'000'000},     {"TLM_", BoxRoad::kFpga, 1, 15'000'000},
+    {"BROX", BoxRoad::kFirmware, 0, 13'000'000}, {"ULMN", BoxRoad::kCpld, 2, 180'000'000},
+    {"TULM", BoxRoad::kCpld, 3, 180'000'000},    {"VULM", BoxRoad::kCpld, 4, 180'000'000},
+};
 
 bool CanBeOpened(const char* fileName) {
   std::FILE* file = std::fopen(fileName, "rb");
@@ -314,10 +332,27 @@ bool Installer::IsToBeProgrammed(const PartLocation& found) {
 
 /// Runs the download algorithm of the part. Returns what has to be power-cycled then.
 std::uint32_t Installer::ProgramPart(const PartLocation& found, VeltraSpecificHelper* veltra) {
+  const auto download = [&](std::int64_t estimateMicroseconds, DownloadHelper&& helper) {
+    DownloadDriver(progress != 0, found, estimateMicroseconds, helper);
+  };
+  for (const BoxDownload& box : kBoxDownloads) {
+    if (std::strcmp(found.part->id, box.partId) != 0) continue;
+    switch (box.road) {
+      case BoxRoad::kFpga:
+        download(box.estimateMicroseconds, BobFPGAHelper(*veltra, box.number));
+        break;
+      case BoxRoad::kFirmware:
+        download(box.estimateMicroseconds, BobFirmwareHelper(*veltra));
+        break;
+      case BoxRoad::kCpld:
+        download(box.estimateMicroseconds, BobCPLDHelper(*veltra, box.number));
+        break;
+    }
+    return kPowerCycleBox;
+  }
   const std::string_view name = found.part->name;
   if (name == "belmara" || name == "dovu") {
-    ZerinHelper helper(veltra->GetC28FxJ3A(found.part->name), kImageAreaWord);
-    DownloadDriver(progress != 0, found, kHostFlashEstimateMicroseconds, helper);
+    download(kHostFlashEstimateMicroseconds, ZerinHelper(veltra->GetC28FxJ3A(found.part->name), kImageAreaWord));
     return kPowerCycleCpu;
   }
   throw errorException("No download algorithm for selected part");

@@ -21,6 +21,11 @@ bool MorvakHelper::Open() {
   return true;
 }
 
+HwcStatus MorvakHelper::IOCTL_TransactBoBCommand(const std::uint8_t*, std::uint32_t, std::uint8_t*, std::uint32_t*,
+                                                 std::uint32_t, std::uint32_t) {
+  throw errorException("MorvakHelper: commands cannot be sent to an Orbo QX yet.");
+}
+
 bool MorvakHelper::IsCodecPresent(std::int32_t slot) {
   if (slot < 0 || slot > 2) throw errorException("MorvakHelper: Query of invalid codec.");
 

@@ -15,6 +15,10 @@ class MorvakHelper : public WyvrelHelperRep {
   /// Returns false when the device is not there. Throws when it does not tell its model.
   bool Open() override;
   const char* GetPrompt() const override { return "MorvakTalc> "; }
+  /// Not there yet: throws.
+  HwcStatus IOCTL_TransactBoBCommand(const std::uint8_t* command, std::uint32_t commandLengthBytes, std::uint8_t* reply,
+                                     std::uint32_t* replyLengthBytes, std::uint32_t timeoutLow,
+                                     std::uint32_t timeoutHigh) override;
   /// Slots are 0, 1 and 2; the slots 0 and 2 are two names of one module. Throws for another slot and when the driver
   /// tells of more than two slots; a driver that does not answer counts as no codec.
   bool IsCodecPresent(std::int32_t slot) override;

@@ -28,11 +28,11 @@ void ReadHostCardVpd(VeltraSpecificHelper& helper, const char* name, BoardVpd& v
     throw errorException("Unable to decode Zerin minor VPD information");
 }
 
-void RegisterHostCardPart(Installer& installer, const char* name, const char* id, const BoardVpd& vpd,
-                          std::uint32_t current, std::uint32_t expected) {
+void RegisterPart(Installer& installer, const char* name, const char* id, const BoardVpd& vpd, std::uint32_t current,
+                  const char* suffixText, std::uint32_t expected) {
   const auto major = static_cast<std::int32_t>(vpd.major);
   const auto minor = static_cast<std::int32_t>(vpd.minor);
-  if (!installer.RegisterPartLocation(name, id, major, minor, current, "", expected))
+  if (!installer.RegisterPartLocation(name, id, major, minor, current, suffixText, expected))
     std::fprintf(stderr, "The %s function rev %" PRId32 ".%" PRId32 " cannot be updated using this utility\n", name,
                  major, minor);
 }
@@ -64,7 +64,7 @@ void QueryFlashPart(Installer& installer, VeltraSpecificHelper& helper, const ch
   if (flash == nullptr) return;
   BoardVpd vpd;
   ReadHostCardVpd(helper, name, vpd);
-  RegisterHostCardPart(installer, name, id, vpd, ReadStampedVersion(*flash), expected);
+  RegisterPart(installer, name, id, vpd, ReadStampedVersion(*flash), "", expected);
 }
 
 void QueryKarvelPart(Installer& installer, VeltraSpecificHelper& helper, const char* name, const char* id,
@@ -80,7 +80,26 @@ void QueryKarvelPart(Installer& installer, VeltraSpecificHelper& helper, const c
     if (IsArtworkTooOldForSelectedKarvel(installer, vpd, artwork)) return;
   }
   const std::uint32_t current = karvelVersion.Read(0) >> 16 & 0xFF;
-  RegisterHostCardPart(installer, name, id, vpd, current, expected);
+  RegisterPart(installer, name, id, vpd, current, "", expected);
+}
+
+void QueryVpdPart(Installer& installer, WyvrelHelper& helper, const char* name, const char* id, const char* board,
+                  std::uint32_t current, const char* suffixText, std::uint32_t expected) {
+  constexpr std::uint32_t kLongestVpd = 1999;
+  BoardVpd vpd;
+  std::uint16_t size = 0;
+  if (helper.ExecuteCommand("VPDInfo", {Argument::Symbol("Board", board), Argument::OutUInt16("VPDSize", &size),
+                                        Argument::OutBytes("VPDInfo", vpd.bytes, kLongestVpd)}) != kHWCerr_None) {
+    std::fprintf(stderr, "Error: VPDInfo TALC command failed for %s, for device %s\n", board, name);
+    throw errorException("Unable to get VPD information");
+  }
+  // The size is what the box says; only as much as there was room for can be read.
+  const std::span<const std::uint8_t> block(vpd.bytes, size <= kLongestVpd ? size : 0u);
+  if (ReadVpdHexField(block, "ZB", vpd.major) != kVpdSuccess)
+    throw errorException("Unable to decode major VPD information");
+  if (ReadVpdHexField(block, "ZC", vpd.minor) != kVpdSuccess)
+    throw errorException("Unable to decode minor VPD information");
+  RegisterPart(installer, name, id, vpd, current, suffixText, expected);
 }
 
 std::int32_t ReadBoardPartNumber(WyvrelHelper* helper, const char* board, BoardPartNumber* numbers) {

@@ -17,6 +17,12 @@ void QueryFlashPart(Installer& installer, VeltraSpecificHelper& helper, const ch
 void QueryKarvelPart(Installer& installer, VeltraSpecificHelper& helper, const char* name, const char* id,
                      std::uint32_t expected);
 
+/// A part that is reached by Talc commands, on the board of that name in the dictionary. `current` and `suffixText` are
+/// what the part was found to run. A board that does not tell its VPD is an `errorException` behind a line on standard
+/// error.
+void QueryVpdPart(Installer& installer, WyvrelHelper& helper, const char* name, const char* id, const char* board,
+                  std::uint32_t current, const char* suffixText, std::uint32_t expected);
+
 /// The three numbers of a board's part number; those that a short text lacks keep these values.
 struct BoardPartNumber {
   std::int32_t first = 9999;

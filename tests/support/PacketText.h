@@ -12,7 +12,7 @@
 /// Packets as text, so that an expected packet reads like a table and a wrong one shows in a failure.
 ///
 ///     EXPECT_EQ(Hex(packet), "0B 0B 00 04 80 03 00 00");
-namespace engine_test {
+namespace test_support {
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -51,4 +51,4 @@ inline Bytes operator+(Bytes first, const Bytes& second) {
   return first;
 }
 
-}  // namespace engine_test
+}  // namespace test_support
