@@ -23,9 +23,22 @@ void AddBoxRows(std::vector<PartRow>& rows, const VeltraBoxState& box) {
     PartRow row{std::string(part.name), box.running.Of(part), box.stored.Of(part), {}};
     if (part.isOptional && row.running == 0 && row.stored == 0) continue;
     // It is the firmware that speaks for the box.
-    if (part.kind == BoxPartKind::kFirmware) AddErrors(row.errors, box.errors);
+    if (part.kind == PartKind::kFirmware) AddErrors(row.errors, box.errors);
     rows.push_back(std::move(row));
   }
+}
+
+void AddUnitRows(std::vector<PartRow>& rows, const MorvakUnitState& unit) {
+  const std::size_t first = rows.size();
+  for (const MorvakVersion& version : kMorvakVersions) {
+    const MorvakTexts::Text running = unit.running.Of(version.number);
+    const MorvakTexts::Text stored = unit.stored.Of(version.number);
+    if (!running && !stored) continue;
+    rows.push_back(
+        {MorvakRowName(version, unit.model, unit.boards), VersionInText(running), VersionInText(stored), {}});
+  }
+  // The firmware's row, unless that is missing.
+  if (first < rows.size()) AddErrors(rows[first].errors, unit.errors);
 }
 
 }  // namespace
@@ -37,9 +50,14 @@ Bench::Bench(BenchState state) : clock_(state.clockNanoseconds), platform_(clock
     cards_[i] = std::make_unique<HostCard>(board, *std::move(state.cards[i]), clock_);
     platform_.devices().Add(board.interfaceClass, std::string(board.devicePath), *cards_[i]);
   }
-  if (!state.box) return;
-  box_ = std::make_unique<VeltraBox>(*std::move(state.box));
-  if (HostCard* const boxCard = card(kBelmaraBoard)) boxCard->Connect(box_.get());
+  if (state.box) {
+    box_ = std::make_unique<VeltraBox>(*std::move(state.box));
+    if (HostCard* const boxCard = card(kBelmaraBoard)) boxCard->Connect(box_.get());
+  }
+  if (state.unit) {
+    unit_ = std::make_unique<MorvakUnit>(*std::move(state.unit), clock_);
+    platform_.devices().Add(kMorvakBoard.interfaceClass, std::string(kMorvakBoard.devicePath), *unit_);
+  }
 }
 
 HostCard* Bench::card(const Board& board) {
@@ -51,6 +69,7 @@ HostCard* Bench::card(const Board& board) {
 void Bench::UseFaults(FaultPlan* faults) {
   for (const auto& card : cards_)
     if (card != nullptr) card->UseFaults(faults);
+  if (unit_ != nullptr) unit_->UseFaults(faults);
 }
 
 void Bench::PowerCycle() {
@@ -60,6 +79,7 @@ void Bench::PowerCycle() {
     card->state().PowerCycle(clock_.NowNanoseconds());
   }
   if (box_ != nullptr) box_->PowerCycle(clock_.NowNanoseconds());
+  if (unit_ != nullptr) unit_->state().PowerCycle(clock_.NowNanoseconds());
 }
 
 BenchState Bench::Copy() const {
@@ -71,6 +91,7 @@ BenchState Bench::Copy() const {
     state.cards[i] = std::as_const(*cards_[i]).state();
   }
   if (box_ != nullptr) state.box = std::as_const(*box_).state();
+  if (unit_ != nullptr) state.unit = std::as_const(*unit_).state();
   return state;
 }
 
@@ -86,6 +107,7 @@ BenchState Bench::State() const {
     box->state().Settle();
     state.box = box->state();
   }
+  if (state.unit) state.unit->Settle();
   return state;
 }
 
@@ -94,6 +116,7 @@ BenchState Bench::StateAfterPowerLoss() const {
   for (auto& card : state.cards)
     if (card) card->PowerCycle(state.clockNanoseconds);
   if (state.box) state.box->PowerCycle(state.clockNanoseconds);
+  if (state.unit) state.unit->PowerCycle(state.clockNanoseconds);
   return state;
 }
 
@@ -117,6 +140,7 @@ std::vector<PartRow> RowsOf(const BenchState& state) {
         {name.substr(0, 1) + "karvel", KarvelRevision(card.karvelRunning), KarvelRevision(card.karvelStored), {}});
   }
   if (state.box) AddBoxRows(rows, *state.box);
+  if (state.unit) AddUnitRows(rows, *state.unit);
   return rows;
 }
 

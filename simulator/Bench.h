@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "simulator/HostCard.h"
+#include "simulator/MorvakUnit.h"
 #include "simulator/SimulatedPlatform.h"
 #include "simulator/VeltraBox.h"
 
@@ -20,6 +21,8 @@ struct BenchState {
   std::array<std::optional<HostCardState>, 2> cards;
   /// The break-out box; nothing where there is none. It is connected to the first of the cards.
   std::optional<VeltraBoxState> box;
+  /// The Orbo QX; nothing where there is none.
+  std::optional<MorvakUnitState> unit;
 };
 
 /// One part of the hardware, as it is shown.
@@ -53,6 +56,8 @@ class Bench {
   HostCard* card(const Board& board);
   /// The break-out box, or null where there is none.
   VeltraBox* box() { return box_.get(); }
+  /// The Orbo QX, or null where there is none.
+  MorvakUnit* unit() { return unit_.get(); }
 
   /// The plan that the hardware asks about its faults from now on; null for none. Must outlive its use.
   void UseFaults(FaultPlan* faults);
@@ -77,6 +82,7 @@ class Bench {
   SimulatedPlatform platform_;
   std::array<std::unique_ptr<HostCard>, 2> cards_;
   std::unique_ptr<VeltraBox> box_;
+  std::unique_ptr<MorvakUnit> unit_;
 };
 
 /// A row for each part of a bench that nobody uses at the moment.
@@ -88,14 +94,19 @@ enum class HostCards { kBoth, kBelmara, kDovu, kNone };
 /// The break-out box that a new bench gets.
 enum class BoxChoice { kOn, kOff, kNone };
 
+/// The Orbo QX that a new bench gets, by its model.
+enum class OrboQx { kModel4, kModel5, kNone };
+
 struct BenchOptions {
   HostCards hostCards = HostCards::kBoth;
   BoxChoice box = BoxChoice::kOn;
+  OrboQx orboQx = OrboQx::kNone;
   /// The same seed makes the same bench.
   std::uint64_t seed = 1;
 };
 
-/// A bench with cards and a box as they come from the shelf: all parts at versions older than this release's.
+/// A bench with cards, a box and an Orbo QX as they come from the shelf: all parts at versions older than this
+/// release's.
 BenchState MakeBench(const BenchOptions& options);
 
 }  // namespace simulator

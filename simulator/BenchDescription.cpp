@@ -1,5 +1,6 @@
 #include "simulator/BenchDescription.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -12,6 +13,14 @@ namespace {
 
 constexpr std::size_t kLongestFileName = 255;
 constexpr std::uint64_t kDescriptionSeed = 1;
+
+constexpr std::uint64_t kGreatestWord = 0xFFFFFFFF;
+
+/// Kinds of an Orbo QX, and the models that its driver reports for them.
+constexpr struct {
+  std::uint64_t boardKind;
+  std::uint32_t model;
+} kModels[] = {{5, 4}, {7, 5}, {8, 6}};
 
 /// Container ids of the cards' flash, in the order of `kHostCards`: they go into the stamp.
 struct FlashNames {
@@ -51,12 +60,19 @@ std::vector<VpdField> ReadVpdFields(const JsonFields& outer) {
   return content;
 }
 
-VpdArea ReadVpdArea(const JsonFields& fields) {
+std::vector<std::uint8_t> ReadVpdBlock(const JsonFields& fields) {
   try {
-    return MakeVpdArea("", {ReadVpdFields(fields)});
+    return MakeVpdBlock("", {ReadVpdFields(fields)});
   } catch (const std::length_error&) {
     FailAt(fields.path(), "the fields do not fit into " + std::to_string(kVpdAreaBytes) + " bytes");
   }
+}
+
+VpdArea ReadVpdArea(const JsonFields& fields) {
+  const std::vector<std::uint8_t> block = ReadVpdBlock(fields);
+  VpdArea area{};
+  std::copy(block.begin(), block.end(), area.begin());
+  return area;
 }
 
 HostCardState ReadCard(JsonFields fields, const FlashNames& names) {
@@ -72,30 +88,39 @@ HostCardState ReadCard(JsonFields fields, const FlashNames& names) {
   return card;
 }
 
+std::string DoesNotFit(std::size_t longest) {
+  return "does not fit into an answer: more than " + std::to_string(longest) + " bytes";
+}
+
+/// A text that a device tells in an answer with room for `longest` bytes.
+std::optional<std::string> ReadToldText(JsonFields& fields, const std::string& key, std::size_t longest) {
+  const auto text = fields.Text(key);
+  if (!text) return std::nullopt;
+  std::string bytes = Latin1(fields.PathOf(key), *text);
+  if (bytes.size() > longest) FailAt(fields.PathOf(key), DoesNotFit(longest));
+  return bytes;
+}
+
 BoxVersions ReadBoxConfig(JsonFields fields) {
   BoxVersions versions;
   for (std::size_t i = 0; i < kBoxRevisions; ++i)
     if (const auto revision = fields.HexNumber(std::string(kBoxRevisionNames[i]), 2))
       versions.revisions[i] = static_cast<std::uint8_t>(*revision);
-  if (const auto text = fields.Text("FirmwareRev")) {
-    const std::string path = fields.PathOf("FirmwareRev");
-    versions.firmwareRev = Latin1(path, *text);
-    if (versions.firmwareRev.size() > VeltraBox::kFirmwareRevBytes)
-      FailAt(path, "does not fit into an answer: more than " + std::to_string(VeltraBox::kFirmwareRevBytes) + " bytes");
-  }
+  if (auto text = ReadToldText(fields, "FirmwareRev", VeltraBox::kFirmwareRevBytes))
+    versions.firmwareRev = *std::move(text);
   fields.Finish();
   return versions;
 }
 
-std::vector<std::uint8_t> ReadBoxVpd(const JsonFields& fields) {
+/// VPD that a device tells in an answer with room for `longest` bytes.
+std::vector<std::uint8_t> ReadToldVpd(const JsonFields& fields, std::size_t longest) {
   std::vector<std::uint8_t> vpd;
   try {
     vpd = MakeVpdBlock("", {ReadVpdFields(fields)});
   } catch (const std::length_error&) {
     vpd.clear();
   }
-  if (vpd.empty() || vpd.size() > VeltraBox::kVpdBytes)
-    FailAt(fields.path(), "does not fit into an answer: more than " + std::to_string(VeltraBox::kVpdBytes) + " bytes");
+  if (vpd.empty() || vpd.size() > longest) FailAt(fields.path(), DoesNotFit(longest));
   return vpd;
 }
 
@@ -105,11 +130,48 @@ VeltraBoxState ReadBox(JsonFields fields) {
   box.running = box.stored;
   if (auto vpd = fields.Object("vpd")) {
     for (std::size_t i = 0; i < box.vpd.size(); ++i)
-      if (const auto board = vpd->Object(std::string(kBoxBoards[i]))) box.vpd[i] = ReadBoxVpd(*board);
+      if (const auto board = vpd->Object(std::string(kBoxBoards[i])))
+        box.vpd[i] = ReadToldVpd(*board, VeltraBox::kVpdBytes);
     vpd->Finish();
   }
   fields.Finish();
   return box;
+}
+
+std::uint32_t ReadModel(JsonFields& fields) {
+  constexpr std::uint64_t kGreatestKind = 8;
+  const std::uint64_t kind = fields.Number("boardKind", kGreatestKind).value_or(kGreatestKind);
+  for (const auto& [boardKind, model] : kModels)
+    if (boardKind == kind) return model;
+  FailAt(fields.PathOf("boardKind"), "expected 5, 7 or 8, found " + std::to_string(kind));
+}
+
+MorvakBoards ReadBoards(JsonFields fields) {
+  MorvakBoards boards;
+  for (std::uint32_t number = 0; number < MorvakUnit::kMostBoards; ++number)
+    if (const auto vpd = fields.Object(std::to_string(number))) boards[number] = ReadVpdBlock(*vpd);
+  fields.Finish();
+  return boards;
+}
+
+MorvakUnitState ReadUnit(JsonFields fields) {
+  MorvakUnitState unit;
+  unit.model = ReadModel(fields);
+  unit.codecSlots = static_cast<std::uint32_t>(fields.Number("codecSlots", kGreatestWord).value_or(0));
+  for (const std::uint64_t codec : fields.Numbers("codecState", kGreatestWord).value_or(std::vector<std::uint64_t>()))
+    unit.codecState.push_back(static_cast<std::uint32_t>(codec));
+  if (unit.codecState.size() > MorvakUnit::kMostSlots)
+    FailAt(fields.PathOf("codecState"), "has more than " + std::to_string(MorvakUnit::kMostSlots) + " entries");
+  if (const auto vpd = fields.Object("vpd")) unit.vpd = ReadToldVpd(*vpd, MorvakUnit::kVpdBytes);
+  if (auto rev = fields.Object("rev")) {
+    for (const MorvakVersion& version : kMorvakVersions)
+      unit.stored.Set(version.number, ReadToldText(*rev, std::string(version.symbol), MorvakUnit::kVersionBytes));
+    rev->Finish();
+  }
+  if (auto boards = fields.Object("boards")) unit.boards = ReadBoards(*std::move(boards));
+  fields.Finish();
+  unit.PowerCycle(0);
+  return unit;
 }
 
 void CheckFileName(const std::string& path, const std::string& name) {
@@ -154,7 +216,7 @@ BenchDescription ParseBenchDescription(std::string_view text) {
     if (auto box = veltra->Object("box")) description.state.box = ReadBox(*std::move(box));
     veltra->Finish();
   }
-  if (root.Value("morvak") != nullptr) FailAt(root.PathOf("morvak"), "the Orbo QX line is not simulated yet");
+  if (auto morvak = root.Object("morvak")) description.state.unit = ReadUnit(*std::move(morvak));
   root.Finish();
   return description;
 }

@@ -23,6 +23,7 @@ namespace fs = std::filesystem;
 
 constexpr std::uint64_t kFormat = 1;
 constexpr std::uint64_t kLatestNanosecond = std::uint64_t{1} << 62;
+constexpr std::uint64_t kGreatestWord = 0xFFFFFFFF;
 constexpr std::uintmax_t kLongestStateFile = 1 << 20;
 constexpr std::string_view kImageEnding = ".flash";
 constexpr std::string_view kReadModes[] = {"array", "identifier", "query", "status"};
@@ -216,6 +217,66 @@ VeltraBoxState ReadBox(JsonFields fields) {
   return box;
 }
 
+json TextsJson(const MorvakTexts& texts) {
+  json value = json::object();
+  for (const MorvakVersion& version : kMorvakVersions)
+    if (const auto text = texts.Of(version.number)) value[std::string(version.symbol)] = HexOfBytes(AsBytes(*text));
+  return value;
+}
+
+MorvakTexts ReadTexts(JsonFields fields) {
+  MorvakTexts texts;
+  for (const MorvakVersion& version : kMorvakVersions) {
+    const std::string symbol(version.symbol);
+    const auto text = fields.HexBytes(symbol);
+    if (!text) continue;
+    if (text->size() > MorvakUnit::kVersionBytes) FailAt(fields.PathOf(symbol), "has a wrong length");
+    texts.Set(version.number, std::string(text->begin(), text->end()));
+  }
+  fields.Finish();
+  return texts;
+}
+
+json UnitJson(const MorvakUnitState& unit) {
+  json boards = json::object();
+  for (const auto& [number, vpd] : unit.boards)
+    boards[std::to_string(number)] = HexOfBytes(vpd);
+  return {{"model", unit.model},
+          {"codecSlots", unit.codecSlots},
+          {"codecState", unit.codecState},
+          {"running", TextsJson(unit.running)},
+          {"stored", TextsJson(unit.stored)},
+          {"vpd", unit.vpd ? json(HexOfBytes(*unit.vpd)) : json()},
+          {"boards", std::move(boards)},
+          {"errors", Errors(unit.errors)}};
+}
+
+MorvakUnitState ReadUnit(JsonFields fields) {
+  MorvakUnitState unit;
+  unit.model = static_cast<std::uint32_t>(fields.Needed("model", fields.Number("model", kGreatestWord)));
+  unit.codecSlots = static_cast<std::uint32_t>(fields.Needed("codecSlots", fields.Number("codecSlots", kGreatestWord)));
+  const auto codecs = fields.Needed("codecState", fields.Numbers("codecState", kGreatestWord));
+  if (codecs.size() > MorvakUnit::kMostSlots) FailAt(fields.PathOf("codecState"), "has a wrong length");
+  for (const std::uint64_t codec : codecs)
+    unit.codecState.push_back(static_cast<std::uint32_t>(codec));
+  unit.running = ReadTexts(fields.Needed("running", fields.Object("running")));
+  unit.stored = ReadTexts(fields.Needed("stored", fields.Object("stored")));
+  unit.vpd = fields.HexBytes("vpd");
+  if (unit.vpd && unit.vpd->size() > MorvakUnit::kVpdBytes) FailAt(fields.PathOf("vpd"), "has a wrong length");
+  JsonFields boards = fields.Needed("boards", fields.Object("boards"));
+  for (std::uint32_t number = 0; number < MorvakUnit::kMostBoards; ++number) {
+    const std::string board = std::to_string(number);
+    const auto vpd = boards.HexBytes(board);
+    if (!vpd) continue;
+    if (vpd->size() > kVpdAreaBytes) FailAt(boards.PathOf(board), "has a wrong length");
+    unit.boards[number] = *vpd;
+  }
+  boards.Finish();
+  unit.errors = ReadErrors(fields.Needed("errors", fields.Object("errors")));
+  fields.Finish();
+  return unit;
+}
+
 BenchState ReadState(JsonFields fields, std::array<std::uint64_t, 2>& images) {
   if (fields.Needed("format", fields.Number("format", ~std::uint64_t{0})) != kFormat)
     FailAt("format", "made by another version of this program");
@@ -227,6 +288,7 @@ BenchState ReadState(JsonFields fields, std::array<std::uint64_t, 2>& images) {
       state.cards[i] = ReadCard(*kHostCards[i], *std::move(card), images[i]);
   cards.Finish();
   if (auto box = fields.Object("box")) state.box = ReadBox(*std::move(box));
+  if (auto unit = fields.Object("morvak")) state.unit = ReadUnit(*std::move(unit));
   fields.Finish();
   return state;
 }
@@ -259,6 +321,7 @@ void SaveBench(const fs::path& folder, const BenchState& state) {
   }
   json whole = {{"format", kFormat}, {"clock", state.clockNanoseconds}, {"cards", std::move(cards)}};
   if (state.box) whole["box"] = BoxJson(*state.box);
+  if (state.unit) whole["morvak"] = UnitJson(*state.unit);
   ReplaceFile(StateFile(folder), AsBytes(whole.dump(1) + "\n"));
   RemoveOldFiles(folder, images);
 }

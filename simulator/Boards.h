@@ -12,7 +12,7 @@ struct Board {
   std::string_view name;
   platform::Guid interfaceClass;
   std::string_view devicePath;
-  /// Where its register window is said to be: a name, not memory, whose low half is not 0.
+  /// Where its register window is said to be: a name, not memory, whose low half is not 0. 0 on a board without one.
   std::uint64_t windowAddress;
   /// The break-out box hangs on it.
   bool hasBoxFifo = false;
@@ -29,7 +29,14 @@ inline constexpr Board kDovuBoard = {"dovu",
                                      R"(\\?\pci#slot03#0&00000000&0&0018#{02201d82-4779-40de-bbd8-f14d9ef4d83e})",
                                      0x0000'7D0F'8E80'0000};
 
+inline constexpr Board kMorvakBoard = {"morvak",
+                                       {0x5519CF2B, 0xF6FC, 0x4A48, {0x96, 0x51, 0x73, 0xDB, 0x09, 0xCF, 0x50, 0x91}},
+                                       R"(\\?\pci#slot05#0&00000000&0&0028#{5519cf2b-f6fc-4a48-9651-73db09cf5091})",
+                                       0};
+
 /// The host cards, in the order in which everything lists them.
 inline constexpr const Board* kHostCards[] = {&kBelmaraBoard, &kDovuBoard};
+/// All that has a driver.
+inline constexpr const Board* kBoards[] = {&kBelmaraBoard, &kDovuBoard, &kMorvakBoard};
 
 }  // namespace simulator

@@ -7,17 +7,13 @@
 #include <string>
 #include <string_view>
 
+#include "simulator/Downloads.h"
+
 namespace simulator {
 
-/// How a part of the break-out box is loaded.
-enum class BoxPartKind : std::uint8_t { kFpga, kFirmware, kCpld };
-
-/// One part of the box that holds firmware of its own.
-struct BoxPart {
+/// One part of the break-out box that holds firmware of its own.
+struct BoxPart : LoadablePart {
   std::string_view name;
-  std::string_view id;  ///< in its firmware containers
-  BoxPartKind kind;
-  std::uint8_t number;        ///< by which a download names it among those of its kind
   std::size_t firstRevision;  ///< place of its major revision in `BoxVersions::revisions`; the minor one follows
   bool isOptional;            ///< not in every box
 };
@@ -32,19 +28,19 @@ inline constexpr std::size_t kBoxRevisions = std::size(kBoxRevisionNames);
 
 /// The parts, in the order in which everything lists them.
 inline constexpr BoxPart kBoxParts[] = {
-    {"pelgrimar", "PLGR", BoxPartKind::kFpga, 0, 0, false},
-    {"fwcore", "BROX", BoxPartKind::kFirmware, 0, kBoxRevisions, false},  // tells a text instead
-    {"tulmen", "TULM", BoxPartKind::kCpld, 3, 4, true},
-    {"vulmen", "VULM", BoxPartKind::kCpld, 4, 2, true},
-    {"tolmarn", "TLM_", BoxPartKind::kFpga, 1, 6, true},
-    {"ulmen", "ULMN", BoxPartKind::kCpld, 2, 8, false},
+    {{PartKind::kFpga, 0, kContainerFile, "PLGR"}, "pelgrimar", 0, false},
+    {{PartKind::kFirmware, 0, kContainerFile, "BROX"}, "fwcore", kBoxRevisions, false},  // tells a text instead
+    {{PartKind::kCpld, 3, kContainerFile, "TULM"}, "tulmen", 4, true},
+    {{PartKind::kCpld, 4, kContainerFile, "VULM"}, "vulmen", 2, true},
+    {{PartKind::kFpga, 1, kContainerFile, "TLM_"}, "tolmarn", 6, true},
+    {{PartKind::kCpld, 2, kContainerFile, "ULMN"}, "ulmen", 8, false},
 };
 
 /// The boards of the box that may have VPD, in the order of their numbers.
 inline constexpr std::string_view kBoxBoards[] = {"VPD_Brox", "VPD_Fenrok", "VPD_Jorl"};
 
 /// The part of this kind and number, or null.
-const BoxPart* FindBoxPart(BoxPartKind kind, std::uint8_t number);
+const BoxPart* FindBoxPart(PartKind kind, std::uint8_t number);
 /// The part with this container id, or null.
 const BoxPart* FindBoxPart(std::string_view id);
 

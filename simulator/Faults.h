@@ -47,6 +47,17 @@ enum class Fault {
   kProgramAnswerWrong,
   kCommandFifoFull,
   kStaleReplies,
+  kTalcFails,
+  kTalcShort,
+  kTalcTimeOut,
+  kTalcUnwritten,
+  kTalcBadHeader,
+  kModelFails,
+  kSlotsInvalid,
+  kSlotFails,
+  kVpdFails,
+  kBoardVpdDamaged,
+  kPartUnknown,
   kPowerCut,
 };
 
@@ -96,10 +107,10 @@ inline bool Strikes(FaultPlan* plan, Fault fault) {
   return plan != nullptr && plan->Strikes(fault);
 }
 
-/// Thrown out of the register write at which the plug is pulled. Derives from nothing, so that only a handler that
-/// means it, or everything, catches it.
+/// Thrown out of the register write or Talc call at which the plug is pulled. Derives from nothing, so that only a
+/// handler that means it, or everything, catches it.
 struct PowerCut {
-  std::uint64_t write;  ///< the write that did not take place, from 1 on
+  std::uint64_t write;  ///< the one that did not take place, from 1 on
 };
 
 }  // namespace simulator

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "simulator/HostCard.h"
+#include "simulator/MorvakUnit.h"
 #include "simulator/SystemErrors.h"
 
 namespace simulator {
@@ -50,9 +51,21 @@ bool FaultyDevices::DeviceIoControl(platform::Handle device, std::uint32_t code,
       return GetMemoryMap(device, code, in, inLength, out, outLength, returned, event);
     case HostCard::kMapMemory:
       return MapRegisters(device, code, in, inLength, out, outLength, returned, event);
+    case MorvakUnit::kTransactTalc:
+      return TransactTalc(device, code, in, inLength, out, outLength, returned, event);
+    case MorvakUnit::kGetModel:
+      if (plan_.Strikes(Fault::kModelFails)) return Refuse(kErrorGeneralFailure);
+      break;
+    case MorvakUnit::kQueryCodecSlot:
+      if (plan_.Strikes(Fault::kSlotFails)) return Refuse(kErrorGeneralFailure);
+      break;
+    case MorvakUnit::kReadVpd:
+      if (plan_.Strikes(Fault::kVpdFails)) return Refuse(kErrorGeneralFailure);
+      break;
     default:
-      return WrappedDevices::DeviceIoControl(device, code, in, inLength, out, outLength, returned, event);
+      break;
   }
+  return WrappedDevices::DeviceIoControl(device, code, in, inLength, out, outLength, returned, event);
 }
 
 bool FaultyDevices::GetMemoryMap(platform::Handle device, std::uint32_t code, const void* in, std::uint32_t inLength,
@@ -79,6 +92,23 @@ bool FaultyDevices::MapRegisters(platform::Handle device, std::uint32_t code, co
   return true;
 }
 
+bool FaultyDevices::TransactTalc(platform::Handle device, std::uint32_t code, const void* in, std::uint32_t inLength,
+                                 void* out, std::uint32_t outLength, std::uint32_t& returned, platform::Handle event) {
+  const bool fails = plan_.Strikes(Fault::kTalcFails);
+  const bool isShort = plan_.Strikes(Fault::kTalcShort);
+  MayPullThePlug();
+  if (fails) return Refuse(kErrorGeneralFailure);
+  if (!WrappedDevices::DeviceIoControl(device, code, in, inLength, out, outLength, returned, event)) return false;
+  if (isShort) --returned;
+  return true;
+}
+
+void FaultyDevices::MayPullThePlug() {
+  if (!plan_.Strikes(Fault::kPowerCut)) return;
+  dead_ = true;
+  throw PowerCut{plan_.Count(Fault::kPowerCut)};
+}
+
 std::uint32_t FaultyDevices::ReadRegister(std::uint64_t, platform::RegisterTrap& inner, std::uint32_t offset) {
   if (dead_ || plan_.Strikes(Fault::kReadLost)) return 0xFFFFFFFF;
   return inner.Read(offset);
@@ -89,10 +119,7 @@ void FaultyDevices::WriteRegister(std::uint64_t, platform::RegisterTrap& inner, 
   // Nothing is thrown a second time: whatever still writes does so while the first cut unwinds.
   if (dead_) return;
   const bool lost = plan_.Strikes(Fault::kWriteLost);
-  if (plan_.Strikes(Fault::kPowerCut)) {
-    dead_ = true;
-    throw PowerCut{plan_.Count(Fault::kPowerCut)};
-  }
+  MayPullThePlug();
   if (!lost) inner.Write(offset, value);
 }
 

@@ -37,13 +37,18 @@ class FaultyDevices : public WrappedDevices {
   bool MapRegisters(platform::Handle device, std::uint32_t code, const void* in, std::uint32_t inLength, void* out,
                     std::uint32_t outLength, std::uint32_t& returned, platform::Handle event);
 
+  bool TransactTalc(platform::Handle device, std::uint32_t code, const void* in, std::uint32_t inLength, void* out,
+                    std::uint32_t outLength, std::uint32_t& returned, platform::Handle event);
+  /// Counts a write to hardware, and throws at the one where the plug is pulled.
+  void MayPullThePlug();
+
   FaultPlan& plan_;
   bool dead_ = false;
 };
 
 /// A wrapper that fails set-up calls, openings, control calls and register accesses as a plan says, and pulls the plug
 /// by throwing `PowerCut`. From then on nothing reaches a board: reads give all ones, writes vanish, calls fail. Faults
-/// of the flash are not here: the chip asks the same plan itself.
+/// inside the hardware are not here: it asks the same plan itself.
 ///
 ///     FaultPlan plan;
 ///     plan.Add(ParseFault("power-cut@1000"));

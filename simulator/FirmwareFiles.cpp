@@ -1,6 +1,7 @@
 #include "simulator/FirmwareFiles.h"
 
 #include "simulator/BoxParts.h"
+#include "simulator/MorvakParts.h"
 #include "simulator/RbiFile.h"
 #include "simulator/SeededBytes.h"
 #include "simulator/WholeFile.h"
@@ -21,7 +22,21 @@ constexpr ReleaseRow kRelease[] = {
     {"PLGR0201.rbi", "PLGR", 0x0220, 1'203'457}, {"BROX0201.rbi", "BROX", 0x0225, 702'317},
     {"ULMN0101.rbi", "ULMN", 0x001C, 30'011},    {"TULM0002.rbi", "TULM", 0x0002, 29'989},
     {"VULM0101.rbi", "VULM", 0x0001, 30'323},    {"TLM_0104.rbi", "TLM_", 0x0232, 801'131},
+    {"SPCT.rbi", "SPCR", 0x000B, 301'411},       {"PICO.rbi", "PICO", 0x0123, 262'519},
+    {"XNDR.rbi", "XNDR", 0x030F, 601'247},       {"YRVL.rbi", "YRVL", 0x0222, 603'113},
+    {"YRVX.rbi", "YRVX", 0x0222, 598'687},       {"QNDL.rbi", "QNDL", 0x0100, 587'431},
+    {"TSKP.rbi", "TSKP", 0x0010, 8'233},         {"ENCD.rbi", "ENCD", 0x0204, 701'479},
+    {"ENSC.rbi", "ENSC", 0x0020, 655'211},       {"ENVC.rbi", "ENVC", 0x000A, 320'329},
+    {"VQPW.rbi", "VQPW", 0x010A, 5'023},         {"VQPX.rbi", "VQPX", 0x010A, 5'039},
+    {"JQPW.rbi", "JQPW", 0x010A, 5'077},         {"JQPX.rbi", "JQPX", 0x010A, 5'101},
+    {"JQPY.rbi", "JQPY", 0x010A, 5'147},
 };
+
+bool IsForCpld(std::string_view partId) {
+  const LoadablePart* part = FindBoxPart(partId);
+  if (part == nullptr) part = FindMorvakPart(partId);
+  return part != nullptr && part->kind == PartKind::kCpld;
+}
 
 }  // namespace
 
@@ -36,8 +51,7 @@ std::vector<std::uint8_t> BytesOf(const FirmwareFile& file, std::uint64_t seed) 
   if (const auto* bytes = std::get_if<std::vector<std::uint8_t>>(&file.content)) return *bytes;
   const auto& rbi = std::get<RbiContent>(file.content);
   std::vector<std::uint8_t> payload = SeededBytes(seed, "payload " + file.name, rbi.payloadBytes);
-  const BoxPart* const boxPart = FindBoxPart(rbi.partId);
-  if (boxPart != nullptr && boxPart->kind == BoxPartKind::kCpld && payload.size() >= 2) {
+  if (IsForCpld(rbi.partId) && payload.size() >= 2) {
     // These are sent without their header, so the image itself tells its version.
     payload[0] = static_cast<std::uint8_t>(rbi.version >> 8);
     payload[1] = static_cast<std::uint8_t>(rbi.version);

@@ -1,5 +1,7 @@
 #include "simulator/HexText.h"
 
+#include <algorithm>
+
 namespace simulator {
 namespace {
 
@@ -30,6 +32,19 @@ std::optional<std::uint64_t> ParseHex(std::string_view text, std::size_t maxDigi
     value = value << 4 | static_cast<std::uint64_t>(digitValue);
   }
   return value;
+}
+
+std::optional<std::uint16_t> ParseDottedVersion(std::string_view text) {
+  const std::size_t dot = text.find('.');
+  if (dot == std::string_view::npos) return std::nullopt;
+  const std::string_view behind = text.substr(dot + 1);
+  const auto isDigit = [](char letter) { return DigitValue(letter) >= 0; };
+  const auto digits =
+      static_cast<std::size_t>(std::find_if_not(behind.begin(), behind.end(), isDigit) - behind.begin());
+  const auto major = ParseHex(text.substr(0, dot), 2);
+  const auto minor = ParseHex(behind.substr(0, digits), 2);
+  if (!major || !minor) return std::nullopt;
+  return static_cast<std::uint16_t>(*major << 8 | *minor);
 }
 
 std::string HexOfBytes(std::span<const std::uint8_t> bytes) {

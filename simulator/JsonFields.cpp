@@ -108,6 +108,19 @@ std::optional<bool> JsonFields::Flag(const std::string& key) {
   return value->get<bool>();
 }
 
+std::optional<std::vector<std::uint64_t>> JsonFields::Numbers(const std::string& key, std::uint64_t greatest) {
+  const json* const value = Value(key);
+  if (value == nullptr) return std::nullopt;
+  const std::string expected = "a list of whole numbers from 0 to " + std::to_string(greatest);
+  if (!value->is_array()) Expected(PathOf(key), expected, *value);
+  std::vector<std::uint64_t> numbers;
+  for (const json& number : *value) {
+    if (!number.is_number_unsigned() || number.get<std::uint64_t>() > greatest) Expected(PathOf(key), expected, number);
+    numbers.push_back(number.get<std::uint64_t>());
+  }
+  return numbers;
+}
+
 std::optional<std::vector<std::string>> JsonFields::Texts(const std::string& key) {
   const json* const value = Value(key);
   if (value == nullptr) return std::nullopt;

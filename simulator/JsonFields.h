@@ -42,6 +42,8 @@ class JsonFields {
   /// A number without sign or fraction, at most `greatest`.
   std::optional<std::uint64_t> Number(const std::string& key, std::uint64_t greatest);
   std::optional<bool> Flag(const std::string& key);
+  /// A list of such numbers.
+  std::optional<std::vector<std::uint64_t>> Numbers(const std::string& key, std::uint64_t greatest);
   std::optional<std::vector<std::string>> Texts(const std::string& key);
   /// The keys that are there with a value, in order.
   std::vector<std::string> Keys() const;

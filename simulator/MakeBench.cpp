@@ -1,5 +1,6 @@
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "simulator/Bench.h"
 #include "simulator/FlashImage.h"
@@ -50,6 +51,11 @@ struct ShelfBoard {
   const char* serialNumber;
 };
 
+std::vector<std::uint8_t> LabelVpd(const ShelfBoard& board, const char* revision) {
+  return MakeVpdBlock(board.product,
+                      {{{"PN", board.partNumber}, {"ZB", revision}, {"ZC", "1"}}, {{"SN", board.serialNumber}}});
+}
+
 /// The boards of a box, in the order of `kBoxBoards`.
 constexpr ShelfBoard kShelfBoards[] = {
     {"BROX MAIN BOARD", "1-10020-4", "BX000733"},
@@ -74,11 +80,64 @@ VeltraBoxState ShelfBox() {
   box.stored.firmwareRev += " b";
   for (std::size_t i = 0; i < std::size(kShelfBoards); ++i) {
     const ShelfBoard& board = kShelfBoards[i];
-    box.vpd[i] = MakeVpdBlock(board.product,
-                              {{{"PN", board.partNumber}, {"ZB", "2"}, {"ZC", "1"}}, {{"SN", board.serialNumber}}});
+    box.vpd[i] = LabelVpd(board, "2");
   }
   box.PowerCycle(0);
   return box;
+}
+
+struct ShelfVersion {
+  const char* symbol;
+  const char* text;
+};
+
+struct ShelfModule {
+  std::uint32_t board;
+  ShelfBoard label;
+};
+
+/// An Orbo QX as it comes from the shelf. Its firmware is old, but new enough to tell of the CPLDs.
+struct ShelfUnit {
+  std::uint32_t model;
+  std::vector<std::uint32_t> codecs;
+  std::vector<ShelfModule> modules;
+  std::vector<ShelfVersion> versions;
+};
+
+ShelfUnit ShelfUnitOf(OrboQx choice) {
+  if (choice == OrboQx::kModel5)
+    return {5,
+            {},
+            {{0, {"ORBO QX", "1-20046-2", "OQ000857"}}},
+            {{"MorvakFirmware", "0120b"}, {"MorvakFPGA", "0221"}, {"MorvakTesk", "000f"}, {"MorvakPower", "0109"}}};
+  return {4,
+          {1, 2},
+          {{0, {"ORBO QX", "1-20040-2", "OQ000391"}},
+           {2, {"CODEC MODULE", "1-20035-1", "OC000144"}},
+           {3, {"CODEC MODULE", "1-20173-1", "OC000612"}}},
+          {{"MorvakFirmware", "0120b"},
+           {"MorvakFPGA", "030e"},
+           {"MorvakTesk", "000f"},
+           {"MorvakPower", "0109"},
+           {"MorvakCodec1FPGA", "0203"},
+           {"MorvakCodec1VCID", "0009"},
+           {"MorvakCodec2FPGA", "001f"},
+           {"MorvakCodec2VCID", "0009"}}};
+}
+
+MorvakUnitState UnitFrom(const ShelfUnit& shelf) {
+  MorvakUnitState unit;
+  unit.model = shelf.model;
+  unit.codecSlots = static_cast<std::uint32_t>(shelf.codecs.size());
+  unit.codecState = shelf.codecs;
+  for (const ShelfModule& module : shelf.modules)
+    unit.boards[module.board] = LabelVpd(module.label, "1");
+  unit.vpd = unit.boards.at(0);
+  for (const ShelfVersion& shelfVersion : shelf.versions)
+    for (const MorvakVersion& version : kMorvakVersions)
+      if (version.symbol == shelfVersion.symbol) unit.stored.Set(version.number, shelfVersion.text);
+  unit.PowerCycle(0);
+  return unit;
 }
 
 }  // namespace
@@ -99,6 +158,7 @@ BenchState MakeBench(const BenchOptions& options) {
     state.box = ShelfBox();
     state.box->isOn = options.box == BoxChoice::kOn;
   }
+  if (options.orboQx != OrboQx::kNone) state.unit = UnitFrom(ShelfUnitOf(options.orboQx));
   return state;
 }
 

@@ -34,7 +34,7 @@ void WriteLine(std::ostream& trace, std::string_view board, char what, std::uint
 }
 
 std::string_view BoardOfPath(const char* path) {
-  for (const Board* board : kHostCards)
+  for (const Board* board : kBoards)
     if (path != nullptr && board->devicePath == path) return board->name;
   return kUnknownBoard;
 }

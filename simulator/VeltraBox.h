@@ -10,26 +10,11 @@
 #include <vector>
 
 #include "simulator/BoxParts.h"
+#include "simulator/Downloads.h"
 #include "simulator/Faults.h"
 #include "simulator/ProtocolErrors.h"
 
 namespace simulator {
-
-/// A download that was announced and not yet programmed.
-struct BoxTransfer {
-  const BoxPart* part = nullptr;
-  std::uint32_t announcedBytes = 0;
-  std::uint32_t receivedBytes = 0;
-  /// The first bytes, as many as the box looks at.
-  std::vector<std::uint8_t> head;
-};
-
-/// An image on its way into its part.
-struct BoxBurn {
-  const BoxPart* part = nullptr;
-  std::uint16_t version = 0;
-  std::int64_t endNanoseconds = 0;
-};
 
 /// An answer that has not begun to come.
 struct BoxAnswer {
@@ -51,8 +36,7 @@ struct VeltraBoxState {
   /// What is going on: nothing of it outlives a power cycle, or the keeping of a bench.
   std::vector<std::uint8_t> packet;  ///< what has come of a packet
   bool skipsWords = false;           ///< until the next first word, after a fault in the framing
-  std::optional<BoxTransfer> transfer;
-  std::optional<BoxBurn> burn;
+  Downloads downloads;
   std::vector<BoxAnswer> answers;  ///< the next one first
 
   /// Takes the power away at this moment and gives it back: what is stored runs. An image counts as stored when its
@@ -60,6 +44,8 @@ struct VeltraBoxState {
   void PowerCycle(std::int64_t nowNanoseconds);
   /// Lets a burn come to its end, and gives up whatever else is going on.
   void Settle();
+  /// Keeps the image of a burn that has ended by now.
+  void EndBurn(std::int64_t nowNanoseconds);
 };
 
 /// The break-out box behind its two FIFOs: takes the words of command packets, obeys the commands for versions, VPD and
@@ -71,20 +57,12 @@ struct VeltraBoxState {
 ///
 ///     box.Take(0x0B0B0004, true, now);            // HWConfigFB, a request
 ///     box.Take(0x80030000, false, now);
-///     box.NextAnswerNanoseconds() == now + VeltraBox::kAnswerNanoseconds;
+///     box.NextAnswerNanoseconds() == now + kAnswerNanoseconds;
 ///     box.TakeAnswer()[1] == 0x80030000;          // status 0
 class VeltraBox {
  public:
   static constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
-  /// From a packet's last word to its answer's first.
-  static constexpr std::int64_t kAnswerNanoseconds = 300'000;
-  static constexpr std::int64_t kDataByteNanoseconds = 2'000;
-  static constexpr std::int64_t kBurnNanoseconds = 20'000'000;
-  static constexpr std::int64_t kBurnByteNanoseconds = 13'000;
-  static constexpr std::int64_t kBurnCpldByteNanoseconds = 2'000'000;
   static constexpr std::int64_t kLateNanoseconds = 1'200'000'000;
-  static constexpr std::size_t kPacketBytes = 2048;
-  static constexpr std::size_t kDataBytes = 1970;
   /// Longest answer behind its mark and length, and the longest VPD and version text that fit into one.
   static constexpr std::size_t kAnswerBodyBytes = 2048;
   static constexpr std::size_t kVpdBytes = kAnswerBodyBytes - 8;
@@ -107,19 +85,11 @@ class VeltraBox {
   void PowerCycle(std::int64_t nowNanoseconds);
 
  private:
-  struct Command;
-
-  void Obey(const Command& command);
-  void Start(const Command& command);
-  void Data(const Command& command);
-  void Program(const Command& command);
-  std::optional<std::uint16_t> VersionOfTransfer(const Command& command);
-  void TellVersions(const Command& command);
-  void TellVpd(const Command& command);
+  void Obey(std::span<const std::uint8_t> packet, std::int64_t nowNanoseconds, FaultPlan* faults);
+  std::optional<Outcome> Answer(const Command& command);
+  Outcome TellVersions(const Command& command) const;
   void DropWord(std::string text);
-  void Refuse(const Command& command, const std::string& text, std::uint8_t status);
-  void Answer(const Command& command, std::uint8_t status, std::int64_t startNanoseconds,
-              std::span<const std::uint8_t> values = {});
+  void Send(const Command& command, const Outcome& outcome);
 
   VeltraBoxState state_;
   /// By a fault: ends with the run, unlike the state's switch.

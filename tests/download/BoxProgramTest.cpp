@@ -143,6 +143,9 @@ TEST(BoxProgram, HasACommandForEachPart) {
       {"ProgramFPGA", [](WyvrelHelper& board) { return std::make_unique<BobFPGAHelper>(board, std::uint8_t{0}); }},
       {"ProgramFirmware", [](WyvrelHelper& board) { return std::make_unique<BobFirmwareHelper>(board); }},
       {"ProgramCPLD", [](WyvrelHelper& board) { return std::make_unique<BobCPLDHelper>(board, std::uint8_t{2}); }},
+      {"ProgramFPGA", [](WyvrelHelper& board) { return std::make_unique<MorvakFPGAHelper>(board, std::uint8_t{0}); }},
+      {"ProgramFirmware", [](WyvrelHelper& board) { return std::make_unique<MorvakFirmwareHelper>(board); }},
+      {"ProgramCPLD", [](WyvrelHelper& board) { return std::make_unique<MorvakCPLDHelper>(board, std::uint8_t{0}); }},
   };
   for (const auto& [command, make] : cases) {
     testing::StrictMock<MockHelper> board;

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "RunInstaller.h"
 #include "simulator/Bench.h"
 #include "simulator/Faulty.h"
+#include "support/InstallerRun.h"
 
 /// A container with a 22-byte header.
 inline std::string Container(const std::string& id, const std::string& version, const std::string& payload = "") {

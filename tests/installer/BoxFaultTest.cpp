@@ -3,12 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <functional>
-#include <memory>
 
-#include "BenchRun.h"
-#include "board/VeltraHelper.h"
-#include "simulator/Faults.h"
-#include "support/ScopedWorkingFolder.h"
+#include "FaultWalk.h"
 
 // Bad days of the box: each fault at each place where it can strike while all its parts are installed. Every run ends
 // by itself and says why, and after a power cycle another run puts everything right.
@@ -56,23 +52,7 @@ const std::vector<Exchange> kInstall = {
     {Kind::kProgram, "ulmen", "CPLD"},
 };
 
-std::string Failed(const std::string& message, const std::string& file) {
-  return "FwDeploy failed: " + message + " File: " + file + " Line: #\n";
-}
-
-/// How a run ends.
-struct Ending {
-  int exitCode;
-  std::string err;
-};
-
 const Ending kInstalled{1, ""};
-/// The installer waits for the end of a burn without limit; only a pulled plug ends that.
-const Ending kWaitsForEver{-2, ""};
-
-Ending Fails(const std::string& message, const std::string& file) {
-  return {-1, Failed(message, file)};
-}
 
 /// No answer within a second.
 Ending TimedOut(const Exchange& exchange) {
@@ -83,7 +63,7 @@ Ending TimedOut(const Exchange& exchange) {
       return {0, "Veltra BOB is inaccessable, and cannot be loaded.  Is BOB turned off?\n"};
     case Kind::kVpd:
       return {-1, std::string("Error: VPDInfo TALC command failed for ") + exchange.part + "\n" +
-                      Failed("Unable to get VPD information", "VersionDiscovery.cpp")};
+                      FailureLine("Unable to get VPD information", "VersionDiscovery.cpp")};
     case Kind::kStart:
       return Fails("Could not start " + (group == "CPLD" ? "Trelvane " + group : group) + " download", kHelpers);
     case Kind::kData:
@@ -98,14 +78,19 @@ Ending Late(const Exchange& exchange) {
   return exchange.kind == Kind::kProgram ? kInstalled : TimedOut(exchange);
 }
 
-const std::vector<const char*> kAll = {"-all", "-nopause", "-noprogress", "-noorboqx"};
-
-/// Far behind the last write of a whole install, soon after which a run that waits for ever is cut.
-constexpr char kPlug[] = "power-cut@150000";
-
-class BoxFaults : public testing::Test {
+class BoxFaults : public FaultWalk {
  protected:
-  BoxFaults() : inside_(folder_.Path()) {
+  BoxFaults()
+      : FaultWalk({simulator::MakeBench({.hostCards = simulator::HostCards::kBelmara}),
+                   {"-all", "-nopause", "-noprogress", "-noorboqx"},
+                   1,
+                   {{"pelgrimar", 0x220},
+                    {"fwcore", 0x225},
+                    {"tulmen", 2},
+                    {"vulmen", 1},
+                    {"tolmarn", 0x232},
+                    {"ulmen", 0x1C}},
+                   "power-cut@150000"}) {
     // Two data commands for the one image, and one for each of the others.
     folder_.Write("PLGR0201.rbi", Container("PLGR", "0220", std::string(1990, 'p')));
     folder_.Write("BROX0201.rbi", Container("BROX", "0225", "firmware"));
@@ -115,81 +100,10 @@ class BoxFaults : public testing::Test {
     folder_.Write("ULMN0101.rbi", Container("ULMN", "001c", std::string("\0\x1c ulmen", 8)));
   }
 
-  /// Runs an install with these faults. The bench goes on from where it ended, or where the plug was pulled.
-  static Ending Install(BenchState& state, const std::vector<std::string>& faults,
-                        const std::vector<const char*>& arguments = kAll) {
-    simulator::FaultPlan plan;
-    for (const std::string& fault : faults)
-      plan.Add(simulator::ParseFault(fault));
-    return Install(state, plan, arguments);
-  }
-  static Ending Install(BenchState& state, simulator::FaultPlan& plan, const std::vector<const char*>& arguments) {
-    simulator::Bench bench(state);
-    bench.UseFaults(&plan);
-    simulator::Faulty faulty(bench.platform(), plan);
-    Ending ending = kWaitsForEver;
-    try {
-      const platform::ScopedPlatform current(faulty);
-      const InstallerRun run = RunInstaller(arguments);
-      ending = {run.exitCode, WithoutLineNumber(run.err)};
-      state = bench.State();
-    } catch (const simulator::PowerCut&) {
-      state = bench.StateAfterPowerLoss();
-    }
-    return ending;
-  }
-
-  /// How many events of this fault's kind there are in an install that nothing strikes.
-  std::size_t Places(const std::string& name, const std::vector<const char*>& arguments = kAll) const {
-    simulator::FaultPlan plan;
-    BenchState state = fresh_;
-    EXPECT_EQ(Install(state, plan, arguments).exitCode, 1);
-    EXPECT_EQ(ProtocolErrors(state), std::vector<std::string>()) << "without a fault there is nothing to object to";
-    return plan.Count(simulator::ParseFault(name).fault);
-  }
-
-  /// What a run that was struck left behind does not keep the next one from installing everything.
-  static void ExpectMended(BenchState state, const std::string& fault) {
-    PowerCycle(state);
-    const Ending mended = Install(state, {});
-    EXPECT_TRUE(mended.exitCode == 1 || mended.exitCode == 0) << fault << ": " << mended.exitCode;
-    EXPECT_EQ(mended.err, "") << fault;
-    PowerCycle(state);
-    const std::vector<std::pair<std::string, std::uint16_t>> expected = {
-        {"pelgrimar", 0x220}, {"fwcore", 0x225}, {"tulmen", 2}, {"vulmen", 1}, {"tolmarn", 0x232}, {"ulmen", 0x1C}};
-    std::vector<std::pair<std::string, std::uint16_t>> running;
-    for (const simulator::PartRow& row : simulator::RowsOf(state))
-      if (row.part != "belmara" && row.part != "bkarvel") running.emplace_back(row.part, row.running.value_or(0xFFFF));
-    EXPECT_EQ(running, expected) << fault;
-  }
-
-  /// Strikes each event of this fault's kind, of which there are `places`, and expects how the run ends.
-  void Walk(const std::string& name, std::size_t places, const std::function<Ending(std::size_t)>& expected) {
-    ASSERT_EQ(Places(name), places);
-    for (std::size_t place = 0; place < places; ++place) {
-      BenchState state = fresh_;
-      const std::string fault = name + "@" + std::to_string(place + 1);
-      const Ending ending = Install(state, {fault, kPlug});
-      EXPECT_EQ(ending.exitCode, expected(place).exitCode) << fault;
-      EXPECT_EQ(ending.err, expected(place).err) << fault;
-      ExpectMended(state, fault);
-      if (HasFailure()) return;
-    }
-    std::printf("fault walk: %s ended %zu box installs, one at each of its places\n", name.c_str(), places);
-  }
-
   /// A fault that can strike every exchange.
   void WalkExchanges(const std::string& name, const std::function<Ending(const Exchange&)>& expected) {
     Walk(name, kInstall.size(), [&](std::size_t place) { return expected(kInstall[place]); });
   }
-
-  const BenchState fresh_ = simulator::MakeBench({.hostCards = simulator::HostCards::kBelmara});
-
- private:
-  test_support::TempFolder folder_;
-  test_support::ScopedWorkingFolder inside_;
-  // Keeps the Talc library started, so that the dictionaries are not read for each run.
-  const std::unique_ptr<WyvrelHelper> library_ = std::make_unique<VeltraHelper>(OpenMode::kHostCards);
 };
 
 constexpr char kTransport[] = "VeltraHelper.cpp";
@@ -247,8 +161,8 @@ TEST_F(BoxFaults, ATransferThatIsRefusedInTheMiddle) {
 // Nothing in an answer tells which command it is for, so this one goes unnoticed, and the part stays as it was.
 TEST_F(BoxFaults, AWrongAnswerToTheProgramCommand) {
   Walk("program-answer-wrong", 6, [](std::size_t) { return kInstalled; });
-  BenchState state = fresh_;
-  Install(state, {"program-answer-wrong@1"});
+  BenchState state = install_.fresh;
+  Run(state, {"program-answer-wrong@1"}, install_.arguments);
   for (const simulator::PartRow& row : simulator::RowsOf(state)) {
     if (row.part == "pelgrimar") {
       EXPECT_EQ(row.stored, 0x218);
@@ -284,31 +198,31 @@ constexpr int kShards = 4;
 TEST_P(BoxAccessFaults, EndInAMessageThatIsKnown) {
   const std::vector<const char*> arguments = {"-fwcore", "-nopause", "-noprogress", "-noorboqx"};
   const std::vector<std::string> known = {
-      Failed("BOB Communications error, timeout writing command fifo", kTransport),
-      Failed("BOB Communications error, missing reply header", kTransport),
-      Failed("BOB Communications error, bad reply length", kTransport),
-      Failed("BOB Communications error, timeout while reading reply", kTransport),
-      Failed("Talc error decompiling the returned Talc byte code packet.", kCore),
-      Failed("Unsupported BOB command or parameters", kCore),
-      Failed("Bad BOB status", kCore),
-      Failed("kHWCerr_UnexpectedObjectTypeError", kCore),
-      Failed("Unable to get VPD information", "VersionDiscovery.cpp"),
-      Failed("Unable to decode Zerin major VPD information", "VersionDiscovery.cpp"),
-      Failed("Unable to decode Zerin minor VPD information", "VersionDiscovery.cpp"),
-      Failed("Unable to decode Belmara artwork information", "VersionDiscovery.cpp"),
-      Failed("Unable to decode major VPD information", "VersionDiscovery.cpp"),
-      Failed("Unable to decode minor VPD information", "VersionDiscovery.cpp"),
-      Failed("Could not start firmware download", "BoxDownloadHelpers.cpp"),
-      Failed("Failed firmware download command", "BoxDownloadHelpers.cpp"),
+      FailureLine("BOB Communications error, timeout writing command fifo", kTransport),
+      FailureLine("BOB Communications error, missing reply header", kTransport),
+      FailureLine("BOB Communications error, bad reply length", kTransport),
+      FailureLine("BOB Communications error, timeout while reading reply", kTransport),
+      FailureLine("Talc error decompiling the returned Talc byte code packet.", kCore),
+      FailureLine("Unsupported BOB command or parameters", kCore),
+      FailureLine("Bad BOB status", kCore),
+      FailureLine("kHWCerr_UnexpectedObjectTypeError", kCore),
+      FailureLine("Unable to get VPD information", "VersionDiscovery.cpp"),
+      FailureLine("Unable to decode Zerin major VPD information", "VersionDiscovery.cpp"),
+      FailureLine("Unable to decode Zerin minor VPD information", "VersionDiscovery.cpp"),
+      FailureLine("Unable to decode Belmara artwork information", "VersionDiscovery.cpp"),
+      FailureLine("Unable to decode major VPD information", "VersionDiscovery.cpp"),
+      FailureLine("Unable to decode minor VPD information", "VersionDiscovery.cpp"),
+      FailureLine("Could not start firmware download", "BoxDownloadHelpers.cpp"),
+      FailureLine("Failed firmware download command", "BoxDownloadHelpers.cpp"),
   };
   for (const char* const name : {"read-lost", "write-lost", "power-cut"}) {
     const std::size_t places = Places(std::string(name) + "@1", arguments);
     std::size_t struck = 0;
     std::size_t endless = 0;
     for (std::size_t place = static_cast<std::size_t>(GetParam()); place < places; place += kShards) {
-      BenchState state = fresh_;
+      BenchState state = install_.fresh;
       const std::string fault = std::string(name) + "@" + std::to_string(place + 1);
-      const Ending ending = Install(state, {fault, kPlug}, arguments);
+      const Ending ending = Run(state, {fault, install_.endsWaiting}, arguments);
       if (name == std::string("power-cut")) {
         EXPECT_EQ(ending.exitCode, kWaitsForEver.exitCode) << fault;
       } else if (ending.exitCode == -1) {

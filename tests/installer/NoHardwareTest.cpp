@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "RunInstaller.h"
+#include "support/InstallerRun.h"
 #include "support/ScopedWorkingFolder.h"
 
 // The program on a computer without the hardware, which is what the native platform is where these tests run.

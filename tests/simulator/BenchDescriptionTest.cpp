@@ -104,6 +104,57 @@ TEST(BenchDescription, TakesABoxWhoseAnswersAreFull) {
   EXPECT_EQ(description.state.box->vpd[2]->size(), 2040u);
 }
 
+TEST(BenchDescription, DescribesAnOrboQx) {
+  const BenchDescription description = ParseBenchDescription(R"({"morvak": {
+      "boardKind": 7, "vpd": {"ZB": "1", "ZC": "0"},
+      "rev": {"MorvakFirmware": "0123a", "MorvakCodec2Firmware": "\u00e9", "MorvakPower": "", "MorvakTesk": null},
+      "codecSlots": 4294967295, "codecState": [1, 4294967295],
+      "boards": {"0": {"PN": "1-20040-1"}, "31": {}, "2": null}}})");
+  const auto& unit = *description.state.unit;
+  EXPECT_EQ(unit.model, 5u);
+  EXPECT_EQ(unit.codecSlots, 0xFFFFFFFF);
+  EXPECT_THAT(unit.codecState, testing::ElementsAre(1, 0xFFFFFFFF));
+  EXPECT_THAT(*unit.vpd, testing::ElementsAre(0x82, 0, 0, 0x90, 8, 0, 'Z', 'B', 1, '1', 'Z', 'C', 1, '0', 0x78));
+  EXPECT_EQ(unit.running.Of(0), "0123a");
+  EXPECT_EQ(unit.running.Of(13), "\xE9");
+  EXPECT_EQ(unit.running.Of(10), "");
+  EXPECT_EQ(unit.running.Of(2), std::nullopt);
+  EXPECT_EQ(unit.stored, unit.running);
+  ASSERT_EQ(unit.boards.size(), 2u);
+  EXPECT_THAT(unit.boards.at(0), testing::ElementsAre(0x82, 0, 0, 0x90, 12, 0, 'P', 'N', 9, '1', '-', '2', '0', '0',
+                                                      '4', '0', '-', '1', 0x78));
+  EXPECT_THAT(unit.boards.at(31), testing::ElementsAre(0x82, 0, 0, 0x90, 0, 0, 0x78));
+}
+
+TEST(BenchDescription, DescribesTheModelsOfAnOrboQx) {
+  const auto model = [](const std::string& kind) {
+    return ParseBenchDescription("{\"morvak\":{\"boardKind\":" + kind + "}}").state.unit->model;
+  };
+  EXPECT_EQ(model("5"), 4u);
+  EXPECT_EQ(model("7"), 5u);
+  EXPECT_EQ(model("8"), 6u);
+  EXPECT_EQ(model("null"), 6u);
+}
+
+TEST(BenchDescription, DescribesAnOrboQxOfWhichNothingIsSaid) {
+  const auto unit = *ParseBenchDescription(R"({"morvak":{}})").state.unit;
+  EXPECT_EQ(unit.codecSlots, 0u);
+  EXPECT_TRUE(unit.codecState.empty());
+  EXPECT_EQ(unit.running, simulator::MorvakTexts());
+  EXPECT_FALSE(unit.vpd.has_value());
+  EXPECT_TRUE(unit.boards.empty());
+  EXPECT_FALSE(ParseBenchDescription(R"({"morvak":null})").state.unit.has_value());
+}
+
+TEST(BenchDescription, TakesAnOrboQxWhoseAnswersAreFull) {
+  const auto description =
+      ParseBenchDescription("{\"morvak\":{\"vpd\":" + LongFields(2036) + ",\"rev\":{\"MorvakFPGA\":\"" +
+                            std::string(2038, '1') + "\"},\"boards\":{\"0\":" + LongFields(8192) + "}}}");
+  EXPECT_EQ(description.state.unit->vpd->size(), 2036u);
+  EXPECT_EQ(description.state.unit->running.Of(1)->size(), 2038u);
+  EXPECT_EQ(description.state.unit->boards.at(0).size(), 8192u);
+}
+
 TEST(BenchDescription, DescribesFiles) {
   const BenchDescription description = ParseBenchDescription(R"({"files": {
       "BLMX0202.rbi": {"id": "BLMX", "version": "1161", "payload": 4096},
@@ -154,6 +205,10 @@ std::string Box(const std::string& content) {
   return R"({"veltra":{"box":)" + content + "}}";
 }
 
+std::string Morvak(const std::string& content) {
+  return R"({"morvak":)" + content + "}";
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Bad, BenchDescriptionRefuses,
     testing::Values(
@@ -193,7 +248,34 @@ INSTANTIATE_TEST_SUITE_P(
                        "veltra.box.vpd.VPD_Brox: does not fit into an answer: more than 2040 bytes"},
         BadDescription{"BoxVpdHuge", Box("{\"vpd\":{\"VPD_Brox\":" + LongFields(8193) + "}}"),
                        "veltra.box.vpd.VPD_Brox: does not fit into an answer: more than 2040 bytes"},
-        BadDescription{"Morvak", R"({"morvak":{"boardKind":5}})", "morvak: the Orbo QX line is not simulated yet"},
+        BadDescription{"MorvakType", R"({"morvak":5})", "morvak: expected an object, found 5"},
+        BadDescription{"MorvakKey", Morvak(R"({"model":4})"), "morvak.model: unknown key"},
+        BadDescription{"MorvakKind", Morvak(R"({"boardKind":4})"), "morvak.boardKind: expected 5, 7 or 8, found 4"},
+        BadDescription{"MorvakKindHigh", Morvak(R"({"boardKind":9})"),
+                       "morvak.boardKind: expected a whole number from 0 to 8, found 9"},
+        BadDescription{"MorvakKindText", Morvak(R"({"boardKind":"5"})"),
+                       R"(morvak.boardKind: expected a whole number from 0 to 8, found "5")"},
+        BadDescription{"MorvakSlots", Morvak(R"({"codecSlots":4294967296})"),
+                       "morvak.codecSlots: expected a whole number from 0 to 4294967295, found 4294967296"},
+        BadDescription{"MorvakCodecsType", Morvak(R"({"codecState":1})"),
+                       "morvak.codecState: expected a list of whole numbers from 0 to 4294967295, found 1"},
+        BadDescription{"MorvakCodec", Morvak(R"({"codecState":[1,-1]})"),
+                       "morvak.codecState: expected a list of whole numbers from 0 to 4294967295, found -1"},
+        BadDescription{"MorvakCodecMany",
+                       Morvak(R"({"codecState":[0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0]})"),
+                       "morvak.codecState: has more than 32 entries"},
+        BadDescription{"MorvakRev", Morvak(R"({"rev":{"HollenFW":"1"}})"), "morvak.rev.HollenFW: unknown key"},
+        BadDescription{"MorvakRevType", Morvak(R"({"rev":{"MorvakTesk":10}})"),
+                       "morvak.rev.MorvakTesk: expected a text, found 10"},
+        BadDescription{"MorvakRevLong", Morvak(R"({"rev":{"MorvakTesk":")" + std::string(2039, '1') + "\"}}"),
+                       "morvak.rev.MorvakTesk: does not fit into an answer: more than 2038 bytes"},
+        BadDescription{"MorvakVpdType", Morvak(R"({"vpd":"ZB"})"), R"(morvak.vpd: expected an object, found "ZB")"},
+        BadDescription{"MorvakVpdLong", Morvak("{\"vpd\":" + LongFields(2037) + "}"),
+                       "morvak.vpd: does not fit into an answer: more than 2036 bytes"},
+        BadDescription{"MorvakBoardName", Morvak(R"({"boards":{"02":{}}})"), "morvak.boards.02: unknown key"},
+        BadDescription{"MorvakBoardHigh", Morvak(R"({"boards":{"32":{}}})"), "morvak.boards.32: unknown key"},
+        BadDescription{"MorvakBoardLong", Morvak("{\"boards\":{\"0\":" + LongFields(8193) + "}}"),
+                       "morvak.boards.0: the fields do not fit into 8192 bytes"},
         BadDescription{"VeltraType", R"({"veltra":[]})", "veltra: expected an object, found a list"},
         BadDescription{"CardType", Belmara("true"), "veltra.belmara: expected an object, found true"},
         BadDescription{"FilesType", R"({"files":"x"})", R"(files: expected an object, found "x")"},

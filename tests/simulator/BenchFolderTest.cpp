@@ -124,6 +124,41 @@ TEST_F(BenchFolderTest, LoadsABenchThatIsOlderThanTheBox) {
   EXPECT_TRUE(loaded.cards[0]->fifo.Replies().empty());
 }
 
+TEST_F(BenchFolderTest, KeepsTheOrboQx) {
+  BenchState state = MakeBench({.hostCards = HostCards::kNone, .orboQx = simulator::OrboQx::kModel4});
+  simulator::MorvakUnitState& unit = *state.unit;
+  unit.model = 0xFFFFFFFF;
+  unit.codecSlots = 7;
+  unit.codecState = {0, 0xFFFFFFFF};
+  unit.stored.Set(0, std::string("01.23 \xE9\0", 8));
+  unit.stored.Set(13, std::string(2038, '1'));
+  unit.running.Set(2, std::nullopt);
+  unit.vpd = std::vector<std::uint8_t>(2036, 0xA5);
+  unit.boards[31] = std::vector<std::uint8_t>(8192, 0x5A);
+  unit.errors = simulator::ProtocolErrors({"morvak: one"}, 12);
+  Create(state);
+
+  const simulator::MorvakUnitState loaded = *LoadBench(Bench()).unit;
+  EXPECT_EQ(loaded.model, 0xFFFFFFFF);
+  EXPECT_EQ(loaded.codecSlots, 7u);
+  EXPECT_EQ(loaded.codecState, unit.codecState);
+  EXPECT_EQ(loaded.running, unit.running);
+  EXPECT_EQ(loaded.stored, unit.stored);
+  EXPECT_EQ(loaded.vpd, unit.vpd);
+  EXPECT_EQ(loaded.boards, unit.boards);
+  EXPECT_EQ(loaded.errors, unit.errors);
+
+  state.unit->vpd.reset();
+  SaveBench(Bench(), state);
+  EXPECT_FALSE(LoadBench(Bench()).unit->vpd.has_value());
+}
+
+TEST_F(BenchFolderTest, LoadsABenchWithoutAnOrboQx) {
+  Create(MakeBench({}));
+  EXPECT_FALSE(nlohmann::json::parse(folder.ReadText(kState)).contains("morvak"));
+  EXPECT_FALSE(LoadBench(Bench()).unit.has_value());
+}
+
 TEST_F(BenchFolderTest, KeepsWhichCardsAreThere) {
   Create(MakeBench({.hostCards = HostCards::kDovu}));
   const BenchState loaded = LoadBench(Bench());
@@ -242,7 +277,7 @@ struct Damage {
 class BenchFolderDamage : public BenchFolderTest, public testing::WithParamInterface<Damage> {};
 
 TEST_P(BenchFolderDamage, IsRefused) {
-  Create(MakeBench({.hostCards = HostCards::kBelmara}));
+  Create(MakeBench({.hostCards = HostCards::kBelmara, .orboQx = simulator::OrboQx::kModel4}));
   Change(GetParam().change);
   EXPECT_EQ(Complaint(), folder.File(kState) + ": is damaged: " + GetParam().complaint);
 }
@@ -276,6 +311,29 @@ INSTANTIATE_TEST_SUITE_P(
         Damage{"BoxVpdLong", [](Json& s) { s["box"]["vpd"]["VPD_Brox"] = std::string(2 * 2041, '3'); },
                "box.vpd.VPD_Brox: has a wrong length"},
         Damage{"NoBoxErrors", [](Json& s) { s["box"].erase("errors"); }, "box.errors: is missing"},
+        Damage{"Unit", [](Json& s) { s["morvak"] = 1; }, "morvak: expected an object, found 1"},
+        Damage{"UnitKey", [](Json& s) { s["morvak"]["burn"] = 1; }, "morvak.burn: unknown key"},
+        Damage{"UnitModel", [](Json& s) { s["morvak"]["model"] = 4294967296; },
+               "morvak.model: expected a whole number from 0 to 4294967295, found 4294967296"},
+        Damage{"NoUnitSlots", [](Json& s) { s["morvak"].erase("codecSlots"); }, "morvak.codecSlots: is missing"},
+        Damage{"UnitCodecs", [](Json& s) { s["morvak"]["codecState"] = Json::array({"1"}); },
+               "morvak.codecState: expected a list of whole numbers from 0 to 4294967295, found \"1\""},
+        Damage{"UnitCodecsMany", [](Json& s) { s["morvak"]["codecState"] = std::vector<int>(33, 0); },
+               "morvak.codecState: has a wrong length"},
+        Damage{"NoUnitTexts", [](Json& s) { s["morvak"].erase("stored"); }, "morvak.stored: is missing"},
+        Damage{"UnitText", [](Json& s) { s["morvak"]["stored"]["MorvakFPGA"] = "030e0"; },
+               "morvak.stored.MorvakFPGA: expected a text of two hexadecimal digits a byte, found \"030e0\""},
+        Damage{"UnitTextLong", [](Json& s) { s["morvak"]["running"]["MorvakFPGA"] = std::string(2 * 2039, '3'); },
+               "morvak.running.MorvakFPGA: has a wrong length"},
+        Damage{"UnitTextKey", [](Json& s) { s["morvak"]["running"]["HollenFW"] = ""; },
+               "morvak.running.HollenFW: unknown key"},
+        Damage{"UnitVpdLong", [](Json& s) { s["morvak"]["vpd"] = std::string(2 * 2037, '3'); },
+               "morvak.vpd: has a wrong length"},
+        Damage{"NoUnitBoards", [](Json& s) { s["morvak"].erase("boards"); }, "morvak.boards: is missing"},
+        Damage{"UnitBoard", [](Json& s) { s["morvak"]["boards"]["32"] = ""; }, "morvak.boards.32: unknown key"},
+        Damage{"UnitBoardLong", [](Json& s) { s["morvak"]["boards"]["3"] = std::string(2 * 8193, '3'); },
+               "morvak.boards.3: has a wrong length"},
+        Damage{"NoUnitErrors", [](Json& s) { s["morvak"].erase("errors"); }, "morvak.errors: is missing"},
         Damage{"HalfAReply", [](Json& s) { s["cards"]["belmara"]["fifo"]["replies"] = "0b0b00"; },
                "cards.belmara.fifo.replies: has a wrong length"},
         Damage{"TooManyReplies", [](Json& s) { s["cards"]["belmara"]["fifo"]["replies"] = std::string(8 * 4097, '0'); },

@@ -9,7 +9,9 @@ using simulator::BoxChoice;
 using simulator::HostCards;
 using simulator::kBelmaraBoard;
 using simulator::kDovuBoard;
+using simulator::kMorvakBoard;
 using simulator::MakeBench;
+using simulator::OrboQx;
 using simulator::PartRow;
 
 namespace {
@@ -84,6 +86,45 @@ TEST(MakeBench, TakesTheBoxFromTheShelf) {
     EXPECT_LE(vpd->size(), 1'999u);
   }
   EXPECT_NE(box.vpd[0], box.vpd[1]);
+}
+
+TEST(MakeBench, PlugsInTheOrboQxThatIsAskedFor) {
+  const auto rows = [](OrboQx choice) {
+    return Shown(RowsOf(MakeBench({.hostCards = HostCards::kNone, .box = BoxChoice::kNone, .orboQx = choice})));
+  };
+  EXPECT_THAT(rows(OrboQx::kModel4),
+              testing::ElementsAre("pico 288 288 0", "xandrel 782 782 0", "teskpro 15 15 0", "vqxpwr 265 265 0",
+                                   "enc1 515 515 0", "vid1 9 9 0", "enc2b 31 31 0", "vid2 9 9 0"));
+  EXPECT_THAT(rows(OrboQx::kModel5),
+              testing::ElementsAre("pico 288 288 0", "yorvalen 545 545 0", "teskpro 15 15 0", "jqxpwry 265 265 0"));
+  EXPECT_THAT(rows(OrboQx::kNone), testing::IsEmpty());
+  EXPECT_EQ(Bench(MakeBench({})).unit(), nullptr);
+}
+
+TEST(MakeBench, TakesTheOrboQxFromTheShelf) {
+  const simulator::MorvakUnitState unit = *MakeBench({.orboQx = OrboQx::kModel4}).unit;
+  EXPECT_EQ(unit.model, 4u);
+  EXPECT_EQ(unit.codecSlots, 2u);
+  EXPECT_THAT(unit.codecState, testing::ElementsAre(1, 2));
+  EXPECT_EQ(unit.running.Of(0), "0120b");
+  EXPECT_EQ(unit.stored, unit.running);
+  const std::string vpd(unit.vpd->begin(), unit.vpd->end());
+  EXPECT_THAT(vpd, testing::HasSubstr("ZB\x01"
+                                      "1ZC\x01"
+                                      "1"));
+  const auto partNumber = [](const simulator::MorvakUnitState& of, std::uint32_t board) {
+    const std::string text(of.boards.at(board).begin(), of.boards.at(board).end());
+    return text.substr(text.find("PN\x09") + 3, 9);
+  };
+  EXPECT_EQ(unit.boards.size(), 3u);
+  EXPECT_EQ(partNumber(unit, 0), "1-20040-2");
+  EXPECT_EQ(partNumber(unit, 2), "1-20035-1");
+  EXPECT_EQ(partNumber(unit, 3), "1-20173-1");
+  const simulator::MorvakUnitState other = *MakeBench({.orboQx = OrboQx::kModel5}).unit;
+  EXPECT_EQ(other.model, 5u);
+  EXPECT_EQ(other.codecSlots, 0u);
+  EXPECT_EQ(other.boards.size(), 1u);
+  EXPECT_EQ(partNumber(other, 0), "1-20046-2");
 }
 
 TEST(MakeBench, LabelsTheCardsInTwoResources) {
@@ -273,7 +314,7 @@ TEST_F(BenchWithBox, LosesABurnWithThePower) {
   StartProgram();
   bench.clock().Sleep(23);
   EXPECT_EQ(RowsOf(bench.StateAfterPowerLoss())[7].stored, 0x001B);
-  EXPECT_FALSE(bench.StateAfterPowerLoss().box->burn.has_value());
+  EXPECT_FALSE(bench.StateAfterPowerLoss().box->downloads.burn.has_value());
   bench.clock().Sleep(2);
   EXPECT_EQ(RowsOf(bench.StateAfterPowerLoss())[7].running, 0x0123) << "although nobody looked";
 }
@@ -281,7 +322,7 @@ TEST_F(BenchWithBox, LosesABurnWithThePower) {
 TEST_F(BenchWithBox, GivesADownloadUpWhenItIsKept) {
   Download();
   Bench later(bench.State());
-  EXPECT_FALSE(later.State().box->transfer.has_value());
+  EXPECT_FALSE(later.State().box->downloads.transfer.has_value());
   StartProgram();
   EXPECT_EQ(bench.State().box->stored.revisions[9], 0x23) << "the bench itself goes on";
 }
@@ -315,6 +356,107 @@ TEST_F(BenchWithBox, AsksItsPlanAboutWhatIsDueBeforeThePowerGoes) {
   StartProgram();
   bench.clock().Sleep(1'000);
   EXPECT_EQ(RowsOf(bench.StateAfterPowerLoss())[7].running, 0x001B);
+}
+
+/// A bench with an Orbo QX, reached through its driver.
+class BenchWithUnit : public testing::Test {
+ protected:
+  using Bytes = std::vector<std::uint8_t>;
+
+  void SetUp() override {
+    platform::Devices& devices = bench.platform().devices();
+    const platform::Handle set = devices.SetupDiGetClassDevsA(kMorvakBoard.interfaceClass, 18);
+    platform::InterfaceData data{.size = 28};
+    platform::DeviceInfo info{.size = 28};
+    EXPECT_TRUE(devices.SetupDiEnumDeviceInterfaces(set, kMorvakBoard.interfaceClass, 0, data));
+    EXPECT_TRUE(devices.SetupDiEnumDeviceInfo(set, 0, info));
+    device = devices.CreateFileA(std::string(kMorvakBoard.devicePath).c_str(), 0xC0000000, 3, 3, 128);
+    EXPECT_NE(device, platform::kInvalidHandle);
+  }
+  /// Exchanges a packet and waits so long for its answer. True where it comes, and brings success.
+  bool Exchange(const Bytes& packet, std::uint32_t timeoutMicroseconds = 1'000'000) {
+    Bytes reply(2048, 0);
+    Bytes in;
+    const auto add = [&](std::uint64_t value, int bytes) {
+      for (int i = 0; i < bytes; ++i)
+        in.push_back(static_cast<std::uint8_t>(value >> (i * 8)));
+    };
+    add(reinterpret_cast<std::uintptr_t>(packet.data()), 8);
+    add(reinterpret_cast<std::uintptr_t>(reply.data()), 8);
+    add(packet.size(), 4);
+    add(reply.size(), 4);
+    add(timeoutMicroseconds, 4);
+    std::uint8_t out[8] = {};
+    std::uint32_t returned = 0;
+    EXPECT_TRUE(bench.platform().devices().DeviceIoControl(device, 0xAA010038, in.data(), 28, out, 8, returned, 0));
+    return reply[0] == 0x0B && reply[7] == 0;
+  }
+  /// The power CPLD at version 0123, with 2 bytes: a burn of 24 ms that is begun.
+  void StartBurn() {
+    Exchange(
+        {0x0B, 0x0B, 0x00, 0x0E, 0xC0, 0x02, 0x00, 0x00, 0x00, 0x08, 0x62, 0x64, 0x00, 0x02, 0x00, 0x02, 0x00, 0x00});
+    bench.clock().Sleep(500);
+    EXPECT_TRUE(Exchange({0x0B, 0x0B, 0x00, 0x0A, 0x80, 0x12, 0x00, 0x00, 0x01, 0x02, 0x00, 0x00, 0x00, 0x02}));
+    EXPECT_TRUE(Exchange({0x0B, 0x0B, 0x00, 0x08, 0x80, 0x14, 0x00, 0x00, 0x00, 0x02, 0x01, 0x23}));
+    EXPECT_FALSE(Exchange({0x0B, 0x0B, 0x00, 0x04, 0x80, 0x16, 0x00, 0x00}, 0));
+  }
+  static std::string Power(const std::vector<PartRow>& rows) { return Shown(rows)[3]; }
+
+  Bench bench{MakeBench({.hostCards = HostCards::kNone, .box = BoxChoice::kNone, .orboQx = OrboQx::kModel4})};
+  platform::Handle device = 0;
+};
+
+TEST_F(BenchWithUnit, RunsWhatWasBurntAfterAPowerCycle) {
+  StartBurn();
+  bench.clock().Sleep(24);
+  EXPECT_EQ(Power(bench.Rows()), "vqxpwr 265 291 0");
+  bench.PowerCycle();
+  EXPECT_EQ(Power(bench.Rows()), "vqxpwr 291 291 0");
+}
+
+TEST_F(BenchWithUnit, HasItsBurnEndedWhenItIsKept) {
+  StartBurn();
+  const BenchState kept = bench.State();
+  EXPECT_EQ(Power(RowsOf(kept)), "vqxpwr 265 291 0");
+  EXPECT_FALSE(kept.unit->downloads.burn.has_value());
+  EXPECT_TRUE(bench.unit()->state().downloads.burn.has_value()) << "the bench itself still burns";
+}
+
+TEST_F(BenchWithUnit, LosesABurnWithThePower) {
+  StartBurn();
+  bench.clock().Sleep(23);
+  EXPECT_EQ(Power(RowsOf(bench.StateAfterPowerLoss())), "vqxpwr 265 265 0");
+  bench.clock().Sleep(1);
+  EXPECT_EQ(Power(RowsOf(bench.StateAfterPowerLoss())), "vqxpwr 291 291 0");
+}
+
+TEST_F(BenchWithUnit, ShowsWhatTheUnitRefusedInItsFirstRow) {
+  EXPECT_FALSE(Exchange({0x0B, 0x0B, 0x00, 0x04, 0x80, 0x03, 0x00, 0x00}));
+  EXPECT_THAT(bench.Rows()[0].errors, testing::ElementsAre("morvak: command 8003: is not known"));
+  EXPECT_EQ(bench.Rows()[0].part, "pico");
+  BenchState state = bench.State();
+  state.unit->running.Set(0, std::nullopt);
+  state.unit->stored.Set(0, std::nullopt);
+  EXPECT_THAT(Shown(RowsOf(state))[0], "xandrel 782 782 1");
+}
+
+TEST_F(BenchWithUnit, ShowsAPartOfWhichOnlyOneTextIsThere) {
+  BenchState state = bench.State();
+  state.unit->running.Set(4, "UNKNOWN");
+  state.unit->stored.Set(9, "01.02 x");
+  const auto rows = Shown(RowsOf(state));
+  EXPECT_THAT(std::vector<std::string>(rows.begin() + 8, rows.end()),
+              testing::ElementsAre("MorvakCodec1CPLD - - 0", "MorvakFirmwareSafe - 258 0"));
+}
+
+TEST_F(BenchWithUnit, HandsItsFaultPlanToTheUnit) {
+  simulator::FaultPlan plan;
+  plan.Add(simulator::ParseFault("talc-bad-header"));
+  bench.UseFaults(&plan);
+  const Bytes request = {0x0B, 0x0B, 0x00, 0x06, 0x80, 0x35, 0x00, 0x00, 0x00, 0x00};
+  EXPECT_FALSE(Exchange(request));
+  bench.UseFaults(nullptr);
+  EXPECT_TRUE(Exchange(request));
 }
 
 }  // namespace

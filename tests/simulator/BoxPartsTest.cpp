@@ -2,30 +2,29 @@
 
 #include "simulator/BoxParts.h"
 
-using simulator::BoxPartKind;
 using simulator::BoxVersions;
 using simulator::FindBoxPart;
+using simulator::PartKind;
 
 namespace {
 
 TEST(BoxParts, AreFoundByKindAndNumberAndById) {
   struct Case {
-    BoxPartKind kind;
+    PartKind kind;
     std::uint8_t number;
     const char* id;
     const char* name;
   };
-  for (const Case& c :
-       {Case{BoxPartKind::kFpga, 0, "PLGR", "pelgrimar"}, Case{BoxPartKind::kFpga, 1, "TLM_", "tolmarn"},
-        Case{BoxPartKind::kFirmware, 0, "BROX", "fwcore"}, Case{BoxPartKind::kCpld, 2, "ULMN", "ulmen"},
-        Case{BoxPartKind::kCpld, 3, "TULM", "tulmen"}, Case{BoxPartKind::kCpld, 4, "VULM", "vulmen"}}) {
+  for (const Case& c : {Case{PartKind::kFpga, 0, "PLGR", "pelgrimar"}, Case{PartKind::kFpga, 1, "TLM_", "tolmarn"},
+                        Case{PartKind::kFirmware, 0, "BROX", "fwcore"}, Case{PartKind::kCpld, 2, "ULMN", "ulmen"},
+                        Case{PartKind::kCpld, 3, "TULM", "tulmen"}, Case{PartKind::kCpld, 4, "VULM", "vulmen"}}) {
     ASSERT_NE(FindBoxPart(c.kind, c.number), nullptr) << c.name;
     EXPECT_EQ(FindBoxPart(c.kind, c.number)->name, c.name);
     EXPECT_EQ(FindBoxPart(c.kind, c.number), FindBoxPart(c.id));
   }
-  EXPECT_EQ(FindBoxPart(BoxPartKind::kFpga, 2), nullptr);
-  EXPECT_EQ(FindBoxPart(BoxPartKind::kCpld, 0), nullptr);
-  EXPECT_EQ(FindBoxPart(BoxPartKind::kFirmware, 1), nullptr);
+  EXPECT_EQ(FindBoxPart(PartKind::kFpga, 2), nullptr);
+  EXPECT_EQ(FindBoxPart(PartKind::kCpld, 0), nullptr);
+  EXPECT_EQ(FindBoxPart(PartKind::kFirmware, 1), nullptr);
   EXPECT_EQ(FindBoxPart("BLMX"), nullptr);
 }
 

@@ -59,6 +59,17 @@ TEST(FaultTable, HasARowForEachFaultInOrder) {
                                                                       "program-answer-wrong",
                                                                       "command-fifo-full",
                                                                       "stale-replies",
+                                                                      "talc-fails",
+                                                                      "talc-short",
+                                                                      "talc-time-out",
+                                                                      "talc-unwritten",
+                                                                      "talc-bad-header",
+                                                                      "model-fails",
+                                                                      "slots-invalid",
+                                                                      "slot-fails",
+                                                                      "vpd-fails",
+                                                                      "board-vpd-damaged",
+                                                                      "part-unknown",
                                                                       "power-cut"}));
 }
 

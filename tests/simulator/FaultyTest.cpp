@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 
 #include "simulator/Bench.h"
 #include "simulator/Faulty.h"
@@ -47,7 +48,7 @@ class FaultyTest : public testing::Test {
     return *Devices().TrapAt(board.windowAddress);
   }
 
-  Bench bench{simulator::MakeBench({})};
+  Bench bench{simulator::MakeBench({.orboQx = simulator::OrboQx::kModel4})};
   simulator::FaultPlan plan;
   simulator::Faulty faulty{bench.platform(), plan};
   Handle set = 0;
@@ -170,6 +171,84 @@ TEST_F(FaultyTest, MapRefusedSecond) {
   EXPECT_EQ(returned, 16u);
   EXPECT_EQ(RecordField(0), kBelmaraBoard.windowAddress);
   EXPECT_EQ(RecordField(8), 0u);
+}
+
+/// A client of the Orbo QX's driver.
+class FaultyUnitTest : public FaultyTest {
+ protected:
+  bool Call(std::uint32_t code, std::uint32_t inLength, std::uint32_t outLength) {
+    returned = 99999;
+    return Devices().DeviceIoControl(device, code, in, inLength, record, outLength, returned, 0);
+  }
+  bool Model() { return Call(0xAA010008, 0, 8); }
+  bool Slot() { return Call(0xAA010054, 4, 8); }
+  /// An exchange of nothing for nothing, which is over at once.
+  bool Talc() { return Call(0xAA010038, 28, 8); }
+  bool Vpd() {
+    for (int i = 0; i < 8; ++i)
+      in[i] = static_cast<std::uint8_t>(reinterpret_cast<std::uintptr_t>(area) >> (i * 8));
+    in[13] = 0x20;
+    return Call(0xAA010044, 16, 4);
+  }
+  void FailsOnTheSecond(const std::function<bool()>& call) {
+    EXPECT_TRUE(call());
+    EXPECT_FALSE(call());
+    EXPECT_EQ(Devices().GetLastError(), 31u);
+    EXPECT_EQ(returned, 99999u);
+    EXPECT_TRUE(call());
+  }
+
+  Handle device = Open(simulator::kMorvakBoard);
+  std::uint8_t in[28] = {};
+  std::uint8_t area[8192] = {};
+};
+
+TEST_F(FaultyUnitTest, ChangesNothingWithoutFaults) {
+  EXPECT_TRUE(Model());
+  EXPECT_EQ(returned, 8u);
+  EXPECT_TRUE(Slot());
+  EXPECT_TRUE(Talc());
+  EXPECT_EQ(returned, 8u);
+  EXPECT_TRUE(Vpd());
+  EXPECT_EQ(returned, 4u);
+}
+
+TEST_F(FaultyUnitTest, TalcFails) {
+  Add("talc-fails@2");
+  FailsOnTheSecond([&] { return Talc(); });
+}
+
+TEST_F(FaultyUnitTest, TalcShort) {
+  Add("talc-short@2");
+  EXPECT_TRUE(Talc());
+  EXPECT_EQ(returned, 8u);
+  EXPECT_TRUE(Talc());
+  EXPECT_EQ(returned, 7u);
+}
+
+TEST_F(FaultyUnitTest, ModelFails) {
+  Add("model-fails@2");
+  FailsOnTheSecond([&] { return Model(); });
+}
+
+TEST_F(FaultyUnitTest, SlotFails) {
+  Add("slot-fails@2");
+  FailsOnTheSecond([&] { return Slot(); });
+}
+
+TEST_F(FaultyUnitTest, VpdFails) {
+  Add("vpd-fails@2");
+  FailsOnTheSecond([&] { return Vpd(); });
+}
+
+TEST_F(FaultyUnitTest, PowerCutCountsTalcCallsToo) {
+  Add("power-cut@3");
+  Registers().Write(0x04008, 1);
+  EXPECT_TRUE(Talc());
+  EXPECT_TRUE(Model()) << "writes nothing";
+  EXPECT_THROW(Talc(), simulator::PowerCut);
+  EXPECT_FALSE(Talc());
+  EXPECT_TRUE(Devices().IsDead());
 }
 
 TEST_F(FaultyTest, ReadLost) {

@@ -28,7 +28,7 @@ TEST(MakeRbi, WritesTheHeaderByteForByte) {
 
 TEST(ReleaseFiles, BeginWithOneForEachHostCard) {
   auto files = simulator::ReleaseFiles();
-  ASSERT_EQ(files.size(), 8u);
+  ASSERT_EQ(files.size(), 23u);
   files.resize(2);
   EXPECT_EQ(files[0].name, "BLMX0202.rbi");
   EXPECT_EQ(files[1].name, "DVUX0202.rbi");
@@ -65,8 +65,38 @@ TEST(ReleaseFiles, HaveOneForEachPartOfTheBox) {
   }
 }
 
+TEST(ReleaseFiles, HaveOneForEachPartOfTheOrboQx) {
+  struct Case {
+    const char* name;
+    const char* id;
+    std::uint16_t version;
+    std::size_t payloadAtLeast;
+    std::size_t payloadAtMost;
+    std::size_t sent;  // without the header of 38 bytes where that is not sent
+  };
+  const Case cases[] = {
+      {"SPCT.rbi", "SPCR", 0x000B, 300'000, 750'000, 38}, {"PICO.rbi", "PICO", 0x0123, 200'000, 300'000, 38},
+      {"XNDR.rbi", "XNDR", 0x030F, 300'000, 750'000, 38}, {"YRVL.rbi", "YRVL", 0x0222, 300'000, 750'000, 38},
+      {"YRVX.rbi", "YRVX", 0x0222, 300'000, 750'000, 38}, {"QNDL.rbi", "QNDL", 0x0100, 300'000, 750'000, 38},
+      {"TSKP.rbi", "TSKP", 0x0010, 5'000, 10'000, 0},     {"ENCD.rbi", "ENCD", 0x0204, 300'000, 750'000, 38},
+      {"ENSC.rbi", "ENSC", 0x0020, 300'000, 750'000, 38}, {"ENVC.rbi", "ENVC", 0x000A, 300'000, 750'000, 38},
+      {"VQPW.rbi", "VQPW", 0x010A, 5'000, 10'000, 0},     {"VQPX.rbi", "VQPX", 0x010A, 5'000, 10'000, 0},
+      {"JQPW.rbi", "JQPW", 0x010A, 5'000, 10'000, 0},     {"JQPX.rbi", "JQPX", 0x010A, 5'000, 10'000, 0},
+      {"JQPY.rbi", "JQPY", 0x010A, 5'000, 10'000, 0}};
+  const auto files = simulator::ReleaseFiles();
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(files[8 + i].name, cases[i].name);
+    const auto& rbi = std::get<RbiContent>(files[8 + i].content);
+    EXPECT_EQ(rbi.partId, cases[i].id);
+    EXPECT_EQ(rbi.version, cases[i].version) << cases[i].name;
+    EXPECT_GE(rbi.payloadBytes, cases[i].payloadAtLeast) << cases[i].name;
+    EXPECT_LE(rbi.payloadBytes, cases[i].payloadAtMost) << cases[i].name;
+    EXPECT_NE((rbi.payloadBytes + cases[i].sent) % 1970, 0u) << "ends inside a piece: " << cases[i].name;
+  }
+}
+
 TEST(FirmwareFile, OfACpldBeginsItsPayloadWithTheVersion) {
-  for (const char* id : {"ULMN", "TULM", "VULM"}) {
+  for (const char* id : {"ULMN", "TULM", "VULM", "TSKP", "VQPW", "VQPX", "JQPW", "JQPX", "JQPY"}) {
     const auto bytes = BytesOf({"a.rbi", RbiContent{id, 0x1A2B, 3}}, 1);
     ASSERT_EQ(bytes.size(), 41u);
     EXPECT_EQ(bytes[38], 0x1A) << id;

@@ -29,6 +29,13 @@ TEST(HexText, ReadsDigitsAndNothingElse) {
   EXPECT_EQ(ParseHex("00000000000000001", 99), std::nullopt);
 }
 
+TEST(HexText, ReadsAVersionWithADot) {
+  EXPECT_EQ(simulator::ParseDottedVersion("1a.5 b"), 0x1A05);
+  EXPECT_EQ(simulator::ParseDottedVersion("02.0F"), 0x020F);
+  for (const char* bad : {"", "225", ".5", "2.", "2. 5", " 2.5", "100.5", "2.100", "x.5"})
+    EXPECT_EQ(simulator::ParseDottedVersion(bad), std::nullopt) << bad;
+}
+
 TEST(HexText, ReadsAndWritesBytes) {
   const std::vector<std::uint8_t> bytes = {0x00, 0xFF, 0x1A};
   EXPECT_EQ(HexOfBytes(bytes), "00ff1a");

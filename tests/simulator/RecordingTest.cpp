@@ -30,7 +30,7 @@ class RecordingTest : public testing::Test {
     return *recording.devices().TrapAt(board.windowAddress);
   }
 
-  simulator::Bench bench{simulator::MakeBench({})};
+  simulator::Bench bench{simulator::MakeBench({.orboQx = simulator::OrboQx::kModel4})};
   simulator::FaultPlan plan;
   simulator::Faulty faulty{bench.platform(), plan};
   std::ostringstream trace;
@@ -56,6 +56,15 @@ TEST_F(RecordingTest, WritesALineForEachAccessAndControlCallInOrder) {
             "dovu R 04000 00160000\n"
             "belmara W 0400c 0000e8e8\n"
             "belmara R 0400c 00800080\n");
+}
+
+TEST_F(RecordingTest, NamesTheOrboQx) {
+  const Handle morvak = Open(simulator::kMorvakBoard);
+  EXPECT_TRUE(Control(morvak, 0xAA010008, nullptr, 0, 8));
+  EXPECT_FALSE(Control(morvak, 0xAA010038, nullptr, 0, 8));
+  EXPECT_EQ(trace.str(),
+            "morvak C aa010008 00000000\n"
+            "morvak C aa010038 00000057\n");
 }
 
 TEST_F(RecordingTest, WritesTheErrorOfAFailedControlCall) {

@@ -15,6 +15,29 @@ TEST(MakeVpdBlock, EndsBehindItsEnd) {
             (std::vector<std::uint8_t>{0x82, 0x01, 0x00, 'A', 0x90, 0x04, 0x00, 'Z', 'B', 0x01, '2', 0x78}));
 }
 
+TEST(FindVpdField, FindsTheFirstInAnyResource) {
+  const std::vector<std::uint8_t> block = {0x82, 0x02, 0x00, 'P',  'N',                   // a product's name
+                                           0x0A, 'x',  'x',                               // a small resource
+                                           0x90, 0x05, 0x00, 'Z',  'B', 0x02, '1',  '0',  //
+                                           0x90, 0x08, 0x00, 'P',  'N', 0x01, 'a',  'P', 'N', 1, 'b',  //
+                                           0x78, 0x90, 0x04, 0x00, 'Z', 'Z',  0x01, 'c'};
+  EXPECT_EQ(simulator::FindVpdField(block, "ZB"), "10");
+  EXPECT_EQ(simulator::FindVpdField(block, "PN"), "a");
+  EXPECT_EQ(simulator::FindVpdField(block, "ZZ"), std::nullopt) << "behind the end";
+  EXPECT_EQ(simulator::FindVpdField(simulator::MakeVpdArea("", {{{"ZA", ""}}}), "ZA"), "");
+}
+
+TEST(FindVpdField, StopsWhereABlockIsDamaged) {
+  const std::vector<std::uint8_t> block = {0x90, 0x04, 0x00, 'P', 'N', 0x01, 'a'};
+  EXPECT_EQ(simulator::FindVpdField(block, "PN"), "a");
+  for (std::size_t length = 0; length < block.size(); ++length)
+    EXPECT_EQ(simulator::FindVpdField(std::span(block).first(length), "PN"), std::nullopt) << length;
+  const std::vector<std::uint8_t> longField = {0x90, 0x04, 0x00, 'P', 'N', 0x02, 'a', 'b'};
+  EXPECT_EQ(simulator::FindVpdField(longField, "PN"), std::nullopt) << "a field that leaves its resource";
+  const std::vector<std::uint8_t> smallAtEnd = {0x0F, 'x'};
+  EXPECT_EQ(simulator::FindVpdField(smallAtEnd, "PN"), std::nullopt);
+}
+
 TEST(MakeVpdArea, WritesProductFieldsAndEnd) {
   const VpdArea area = MakeVpdArea("AB", {{{"ZB", "2"}, {"PN", "1-2-3"}}, {{"ZA", ""}}});
   const std::string expected(

@@ -35,9 +35,21 @@ constexpr char kNewBox[] =
     "{\"errors\":[],\"part\":\"vulmen\",\"running\":\"00e1\",\"stored\":\"00e1\"}\n"
     "{\"errors\":[],\"part\":\"tolmarn\",\"running\":\"0230\",\"stored\":\"0230\"}\n"
     "{\"errors\":[],\"part\":\"ulmen\",\"running\":\"001b\",\"stored\":\"001b\"}\n";
-const std::string kNewBench = std::string(kNewCards) + kNewBox;
-const std::vector<std::string> kReleaseFiles = {"BLMX0202.rbi", "BROX0201.rbi", "DVUX0202.rbi", "PLGR0201.rbi",
-                                                "TLM_0104.rbi", "TULM0002.rbi", "ULMN0101.rbi", "VULM0101.rbi"};
+constexpr char kNewOrboQx[] =
+    "{\"errors\":[],\"part\":\"pico\",\"running\":\"0120\",\"stored\":\"0120\"}\n"
+    "{\"errors\":[],\"part\":\"xandrel\",\"running\":\"030e\",\"stored\":\"030e\"}\n"
+    "{\"errors\":[],\"part\":\"teskpro\",\"running\":\"000f\",\"stored\":\"000f\"}\n"
+    "{\"errors\":[],\"part\":\"vqxpwr\",\"running\":\"0109\",\"stored\":\"0109\"}\n"
+    "{\"errors\":[],\"part\":\"enc1\",\"running\":\"0203\",\"stored\":\"0203\"}\n"
+    "{\"errors\":[],\"part\":\"vid1\",\"running\":\"0009\",\"stored\":\"0009\"}\n"
+    "{\"errors\":[],\"part\":\"enc2b\",\"running\":\"001f\",\"stored\":\"001f\"}\n"
+    "{\"errors\":[],\"part\":\"vid2\",\"running\":\"0009\",\"stored\":\"0009\"}\n";
+const std::string kNewBench = std::string(kNewCards) + kNewBox + kNewOrboQx;
+const std::vector<std::string> kReleaseFiles = {
+    "BLMX0202.rbi", "BROX0201.rbi", "DVUX0202.rbi", "ENCD.rbi",     "ENSC.rbi",     "ENVC.rbi",
+    "JQPW.rbi",     "JQPX.rbi",     "JQPY.rbi",     "PICO.rbi",     "PLGR0201.rbi", "QNDL.rbi",
+    "SPCT.rbi",     "TLM_0104.rbi", "TSKP.rbi",     "TULM0002.rbi", "ULMN0101.rbi", "VQPW.rbi",
+    "VQPX.rbi",     "VULM0101.rbi", "XNDR.rbi",     "YRVL.rbi",     "YRVX.rbi"};
 
 MATCHER(IsOneLine, "is one line") {
   return arg.find('\n') == arg.size() - 1 && arg.size() > 1;
@@ -77,7 +89,7 @@ class Fwbench : public testing::Test {
   test_support::TempFolder folder_;
 };
 
-TEST_F(Fwbench, MakesABenchOfBothCardsAndTheBoxAndTheirFirmware) {
+TEST_F(Fwbench, MakesABenchOfAllHardwareAndItsFirmware) {
   EXPECT_EQ(Output({"new", "bench"}), "");
   EXPECT_THAT(NamesIn("bench"), ElementsAre("firmware", "hardware"));
   EXPECT_EQ(NamesIn("bench/firmware"), kReleaseFiles);
@@ -97,8 +109,8 @@ TEST_F(Fwbench, MakesTheSameBenchFromTheSameSeed) {
 
 TEST_F(Fwbench, PlugsInTheCardsThatAreAskedFor) {
   Output({"new", "b", "--host-cards", "belmara", "--box", "none", "--orbo-qx", "none"});
-  Output({"new", "d", "--host-cards", "dovu", "--box", "none"});
-  Output({"new", "n", "--host-cards", "none", "--box", "none"});
+  Output({"new", "d", "--host-cards", "dovu", "--box", "none", "--orbo-qx", "none"});
+  Output({"new", "n", "--host-cards", "none", "--box", "none", "--orbo-qx", "none"});
   EXPECT_EQ(Output({"show", "b", "--json"}) + Output({"show", "d", "--json"}), kNewCards);
   EXPECT_EQ(Output({"show", "n", "--json"}), "");
   EXPECT_EQ(NamesIn("n/firmware"), kReleaseFiles);
@@ -106,7 +118,7 @@ TEST_F(Fwbench, PlugsInTheCardsThatAreAskedFor) {
 
 TEST_F(Fwbench, ConnectsTheBoxThatIsAskedFor) {
   const auto made = [&](const std::string& choice) {
-    Output({"new", choice, "--host-cards", "belmara", "--box", choice});
+    Output({"new", choice, "--host-cards", "belmara", "--box", choice, "--orbo-qx", "none"});
     return nlohmann::json::parse(folder_.ReadText(choice + "/hardware/state.json"));
   };
   EXPECT_EQ(made("on")["box"]["isOn"], true);
@@ -149,14 +161,32 @@ TEST_F(Fwbench, RefusesAFolderThatHoldsSomething) {
   EXPECT_EQ(Output({"show", "empty", "--json"}), kNewBench);
 }
 
-TEST_F(Fwbench, SaysWhatIsNotSimulatedYet) {
-  Fails({"new", "bench", "--orbo-qx", "4"}, 2, "--orbo-qx 4: the Orbo QX line is not simulated yet");
-  Fails({"new", "bench", "--orbo-qx", "5"}, 2, "--orbo-qx 5: the Orbo QX line is not simulated yet");
-  EXPECT_FALSE(folder_.Has("bench"));
+TEST_F(Fwbench, PlugsInTheOrboQxThatIsAskedFor) {
+  const auto made = [&](const std::string& model) {
+    Output({"new", model, "--host-cards", "none", "--box", "none", "--orbo-qx", model});
+    return Output({"show", model, "--json"});
+  };
+  EXPECT_EQ(made("4"), kNewOrboQx);
+  EXPECT_EQ(made("5"),
+            "{\"errors\":[],\"part\":\"pico\",\"running\":\"0120\",\"stored\":\"0120\"}\n"
+            "{\"errors\":[],\"part\":\"yorvalen\",\"running\":\"0221\",\"stored\":\"0221\"}\n"
+            "{\"errors\":[],\"part\":\"teskpro\",\"running\":\"000f\",\"stored\":\"000f\"}\n"
+            "{\"errors\":[],\"part\":\"jqxpwry\",\"running\":\"0109\",\"stored\":\"0109\"}\n");
+  EXPECT_EQ(made("none"), "");
+}
+
+TEST_F(Fwbench, MakesWhatADescriptionSaysOfAnOrboQx) {
+  folder_.Write("odd.json", R"({"morvak":{"boardKind":8,"rev":{"MorvakFPGA":"UNKNOWN","MorvakFirmware":"01.23 a"}}})");
+  Output({"new", "bench", "--describe", "odd.json"});
+  EXPECT_EQ(Output({"show", "bench", "--json"}),
+            "{\"errors\":[],\"part\":\"pico\",\"running\":\"0123\",\"stored\":\"0123\"}\n"
+            "{\"errors\":[],\"part\":\"MorvakFPGA\",\"running\":null,\"stored\":null}\n");
+  folder_.Write("bad.json", R"({"morvak":{"boardKind":6}})");
+  Fails({"new", "other", "--describe", "bad.json"}, 1, "bad.json: morvak.boardKind: expected 5, 7 or 8, found 6");
 }
 
 TEST_F(Fwbench, ShowsATableForPeople) {
-  Output({"new", "bench", "--host-cards", "belmara", "--box", "none"});
+  Output({"new", "bench", "--host-cards", "belmara", "--box", "none", "--orbo-qx", "none"});
   ChangeState([](nlohmann::json& state) {
     auto& card = state["cards"]["belmara"];
     card["flashRunning"] = nullptr;
@@ -183,7 +213,7 @@ TEST_F(Fwbench, ShowsErrorsAsJsonOfAsciiAlone) {
 }
 
 TEST_F(Fwbench, MakesWhatIsStoredRunAtAPowerCycle) {
-  Output({"new", "bench", "--host-cards", "belmara", "--box", "none"});
+  Output({"new", "bench", "--host-cards", "belmara", "--box", "none", "--orbo-qx", "none"});
   ChangeState([](nlohmann::json& state) {
     state["cards"]["belmara"]["flashRunning"] = "1234";
     state["cards"]["belmara"]["karvelStored"] = "00170000";
@@ -254,6 +284,17 @@ TEST_F(Fwbench, ListsItsFaultsOneALine) {
                            "program-answer-wrong",
                            "command-fifo-full",
                            "stale-replies",
+                           "talc-fails",
+                           "talc-short",
+                           "talc-time-out",
+                           "talc-unwritten",
+                           "talc-bad-header",
+                           "model-fails",
+                           "slots-invalid",
+                           "slot-fails",
+                           "vpd-fails",
+                           "board-vpd-damaged",
+                           "part-unknown",
                            "power-cut"})
     EXPECT_THAT(faults, HasSubstr(std::string("\n").append(name).append(" ")));
 }
@@ -346,6 +387,7 @@ TEST_F(Fwbench, WritesATraceBesideItsCaller) {
   const std::string trace = folder_.ReadText("trace.txt");
   EXPECT_THAT(trace, StartsWith("belmara C c1762080 00000000\nbelmara C c1762404 00000000\n"));
   EXPECT_THAT(trace, HasSubstr("\ndovu C c1762404 00000000\n"));
+  EXPECT_THAT(trace, HasSubstr("\nmorvak C aa010008 00000000\n"));
   EXPECT_THAT(trace, HasSubstr("\nbelmara W 0400c 000000ff\n"));
   EXPECT_THAT(trace, HasSubstr("\nbelmara R 04000 00160000\n"));
   Output({"run", "bench", "--trace", "again.txt", "--pace", "1000000", "--", "-version", "-nopause"});
@@ -393,8 +435,8 @@ TEST_F(Fwbench, KeepsWhatAPulledPlugLeaves) {
 
 TEST_F(Fwbench, TakesSeveralFaults) {
   Output({"new", "bench"});
-  const auto run =
-      Run({"run", "bench", "--fault", "device-missing@1", "--fault", "device-missing@2", "--", "-version", "-nopause"});
+  const auto run = Run({"run", "bench", "--fault", "device-missing@1", "--fault", "device-missing@2", "--fault",
+                        "device-missing@3", "--", "-version", "-nopause"});
   EXPECT_EQ(run.exitCode, 255);
   EXPECT_THAT(run.standardOutput, IsEmpty());
 }

@@ -22,12 +22,14 @@ const std::map<std::string, simulator::HostCards> kHostCards = {{"both", simulat
                                                                 {"none", simulator::HostCards::kNone}};
 const std::map<std::string, simulator::BoxChoice> kBoxes = {
     {"on", simulator::BoxChoice::kOn}, {"off", simulator::BoxChoice::kOff}, {"none", simulator::BoxChoice::kNone}};
+const std::map<std::string, simulator::OrboQx> kOrboQx = {
+    {"4", simulator::OrboQx::kModel4}, {"5", simulator::OrboQx::kModel5}, {"none", simulator::OrboQx::kNone}};
 
 struct NewOptions {
   std::string folder;
   std::string hostCards = "both";
   std::string box = "on";
-  std::string orboQx = "none";
+  std::string orboQx = "4";
   std::uint64_t seed = 1;
   std::string description;
 };
@@ -58,11 +60,11 @@ int MakeFromDescription(const NewOptions& options) {
 }
 
 int Make(const NewOptions& options) {
-  if (options.orboQx != "none")
-    throw UsageError("--orbo-qx " + options.orboQx + ": the Orbo QX line is not simulated yet");
   if (!options.description.empty()) return MakeFromDescription(options);
-  const simulator::BenchState state = simulator::MakeBench(
-      {.hostCards = kHostCards.at(options.hostCards), .box = kBoxes.at(options.box), .seed = options.seed});
+  const simulator::BenchState state = simulator::MakeBench({.hostCards = kHostCards.at(options.hostCards),
+                                                            .box = kBoxes.at(options.box),
+                                                            .orboQx = kOrboQx.at(options.orboQx),
+                                                            .seed = options.seed});
   simulator::CreateBench(options.folder, state, simulator::ReleaseFiles(), options.seed);
   return kDone;
 }
@@ -81,7 +83,7 @@ void AddNewCommand(CLI::App& app, Action& action) {
   };
   choice("--host-cards", options->hostCards, "Cards to plug in", {"both", "belmara", "dovu", "none"});
   choice("--box", options->box, "Break-out box: switched on, switched off, or not there", {"on", "off", "none"});
-  choice("--orbo-qx", options->orboQx, "Orbo QX model (only none for now)", {"4", "5", "none"});
+  choice("--orbo-qx", options->orboQx, "Orbo QX: its model, or none", {"4", "5", "none"});
   command->add_option("--seed", options->seed, "The same seed makes the same bench")
       ->check(CheckSeed)
       ->capture_default_str()

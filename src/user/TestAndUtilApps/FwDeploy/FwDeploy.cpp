@@ -44,21 +44,31 @@ constexpr FlagOption kFlagOptions[] = {
 
 constexpr std::int64_t kHostFlashEstimateMicroseconds = 30'000'000;
 
-enum class BoxRoad { kFpga, kFirmware, kCpld };
+enum class Road { kBoxFpga, kBoxFirmware, kBoxCpld, kMorvakFpga, kMorvakFirmware, kMorvakCpld };
 
-/// How a part of the box is programmed.
-struct BoxDownload {
+/// How a part is programmed that takes its file by download commands.
+struct Download {
   const char* partId;
-  BoxRoad road;
-  std::uint8_t number;  ///< the box's number of the device; its firmware has none
+  Road road;
+  /// The hardware's number of the device; the second one serves parts with a "2" in their name. Firmware has none.
+  std::uint8_t number;
+  std::uint8_t secondNumber;
   /// How long the part takes to burn, by experience. The percentages are counted against it, and nothing else.
   std::int64_t estimateMicroseconds;
 };
 
-constexpr BoxDownload kBoxDownloads[] = {
-    {"PLGR", BoxRoad::kFpga, 0, 20'000'000},     {"TLM_", BoxRoad::kFpga, 1, 15'000'000},
-    {"BROX", BoxRoad::kFirmware, 0, 13'000'000}, {"ULMN", BoxRoad::kCpld, 2, 180'000'000},
-    {"TULM", BoxRoad::kCpld, 3, 180'000'000},    {"VULM", BoxRoad::kCpld, 4, 180'000'000},
+constexpr Download kDownloads[] = {
+    {"PLGR", Road::kBoxFpga, 0, 0, 20'000'000},     {"TLM_", Road::kBoxFpga, 1, 1, 15'000'000},
+    {"BROX", Road::kBoxFirmware, 0, 0, 13'000'000}, {"ULMN", Road::kBoxCpld, 2, 2, 180'000'000},
+    {"TULM", Road::kBoxCpld, 3, 3, 180'000'000},    {"VULM", Road::kBoxCpld, 4, 4, 180'000'000},
+    {"XNDR", Road::kMorvakFpga, 0, 0, 127'000'000}, {"YRVL", Road::kMorvakFpga, 0, 0, 127'000'000},
+    {"YRVX", Road::kMorvakFpga, 0, 0, 127'000'000}, {"QNDL", Road::kMorvakFpga, 0, 0, 127'000'000},
+    {"ENCD", Road::kMorvakFpga, 1, 2, 315'000'000}, {"ENSC", Road::kMorvakFpga, 1, 2, 315'000'000},
+    {"ENVC", Road::kMorvakFpga, 3, 4, 47'000'000},  {"PICO", Road::kMorvakFirmware, 0, 0, 21'000'000},
+    {"SPCR", Road::kMorvakFpga, 1, 1, 21'000'000},  {"TSKP", Road::kMorvakCpld, 0, 0, 17'000'000},
+    {"VQPW", Road::kMorvakCpld, 1, 1, 10'540'000},  {"VQPX", Road::kMorvakCpld, 1, 1, 10'540'000},
+    {"JQPX", Road::kMorvakCpld, 1, 1, 10'540'000},  {"JQPY", Road::kMorvakCpld, 1, 1, 10'540'000},
+    {"JQPW", Road::kMorvakCpld, 1, 1, 10'540'000},
 };
 
 bool CanBeOpened(const char* fileName) {
@@ -269,13 +279,13 @@ void Installer::PrintVersionTable() const {
   }
 }
 
-std::uint32_t Installer::InstallParts(VeltraSpecificHelper* veltra, WyvrelHelper*) {
+std::uint32_t Installer::InstallParts(VeltraSpecificHelper* veltra, WyvrelHelper* morvak) {
   std::uint32_t mask = 0;
   for (std::int32_t i = 0; i < locationCount_; ++i) {
     const PartLocation& found = location(i);
     if (!IsToBeProgrammed(found)) continue;
     if (progress != 0) std::printf("%s\n", found.part->name);
-    mask |= ProgramPart(found, veltra);
+    mask |= ProgramPart(found, veltra, morvak);
   }
   if (update == 0) return mask;
   for (std::int32_t i = 0; i < locationCount_; ++i) {
@@ -331,28 +341,38 @@ bool Installer::IsToBeProgrammed(const PartLocation& found) {
 }
 
 /// Runs the download algorithm of the part. Returns what has to be power-cycled then.
-std::uint32_t Installer::ProgramPart(const PartLocation& found, VeltraSpecificHelper* veltra) {
-  const auto download = [&](std::int64_t estimateMicroseconds, DownloadHelper&& helper) {
-    DownloadDriver(progress != 0, found, estimateMicroseconds, helper);
-  };
-  for (const BoxDownload& box : kBoxDownloads) {
-    if (std::strcmp(found.part->id, box.partId) != 0) continue;
-    switch (box.road) {
-      case BoxRoad::kFpga:
-        download(box.estimateMicroseconds, BobFPGAHelper(*veltra, box.number));
-        break;
-      case BoxRoad::kFirmware:
-        download(box.estimateMicroseconds, BobFirmwareHelper(*veltra));
-        break;
-      case BoxRoad::kCpld:
-        download(box.estimateMicroseconds, BobCPLDHelper(*veltra, box.number));
-        break;
-    }
-    return kPowerCycleBox;
-  }
+std::uint32_t Installer::ProgramPart(const PartLocation& found, VeltraSpecificHelper* veltra, WyvrelHelper* morvak) {
   const std::string_view name = found.part->name;
+  for (const Download& line : kDownloads) {
+    if (std::strcmp(found.part->id, line.partId) != 0) continue;
+    const std::uint8_t number = name.find('2') == std::string_view::npos ? line.number : line.secondNumber;
+    const auto download = [&](DownloadHelper&& helper) {
+      DownloadDriver(progress != 0, found, line.estimateMicroseconds, helper);
+    };
+    switch (line.road) {
+      case Road::kBoxFpga:
+        download(BobFPGAHelper(*veltra, number));
+        return kPowerCycleBox;
+      case Road::kBoxFirmware:
+        download(BobFirmwareHelper(*veltra));
+        return kPowerCycleBox;
+      case Road::kBoxCpld:
+        download(BobCPLDHelper(*veltra, number));
+        return kPowerCycleBox;
+      case Road::kMorvakFpga:
+        download(MorvakFPGAHelper(*morvak, number));
+        return kPowerCycleCpuAndOrboQx;
+      case Road::kMorvakFirmware:
+        download(MorvakFirmwareHelper(*morvak));
+        return kPowerCycleCpuAndOrboQx;
+      case Road::kMorvakCpld:
+        download(MorvakCPLDHelper(*morvak, number));
+        return kPowerCycleCpuAndOrboQx;
+    }
+  }
   if (name == "belmara" || name == "dovu") {
-    download(kHostFlashEstimateMicroseconds, ZerinHelper(veltra->GetC28FxJ3A(found.part->name), kImageAreaWord));
+    ZerinHelper helper(veltra->GetC28FxJ3A(found.part->name), kImageAreaWord);
+    DownloadDriver(progress != 0, found, kHostFlashEstimateMicroseconds, helper);
     return kPowerCycleCpu;
   }
   throw errorException("No download algorithm for selected part");
@@ -381,6 +401,7 @@ int FwDeployMain(int argc, const char* const* argv) {
       throw errorException("Could access neither Veltra nor Orbo QX hardware\n");
 
     if (hostCards != nullptr) DiscoverVeltraParts(installer, *hostCards);
+    if (morvak != nullptr) DiscoverMorvakParts(installer, *morvak);
     if (installer.version != 0) installer.PrintVersionTable();
     result = static_cast<std::int32_t>(installer.InstallParts(hostCards, morvak.get()));
   } catch (const errorException& failure) {

@@ -83,7 +83,7 @@ class Installer {
   int ParsePartOption(int count, const char* const* args);
   void PrintUsage() const;
   bool IsToBeProgrammed(const PartLocation& location);
-  std::uint32_t ProgramPart(const PartLocation& location, VeltraSpecificHelper* veltra);
+  std::uint32_t ProgramPart(const PartLocation& location, VeltraSpecificHelper* veltra, WyvrelHelper* morvak);
 
   std::array<std::unique_ptr<PartDescription>, kCapacity> descriptions_;
   std::int32_t descriptionCount_ = 0;

@@ -3,10 +3,8 @@
 #include "platform/Devices.h"
 #include "WyvrelHelper.h"
 
-/// The second hardware line, behind its own driver.
-///
-/// So far it opens the device and knows its model; its packets, VPD and download commands are not there yet, and the
-/// VPD read says so by an exception.
+/// The second hardware line, behind its own driver, which moves the packets in and out of the hardware by itself: every
+/// exchange is one control call.
 class MorvakHelper : public WyvrelHelperRep {
  public:
   explicit MorvakHelper(OpenMode mode) : WyvrelHelperRep(mode) {}
@@ -15,7 +13,12 @@ class MorvakHelper : public WyvrelHelperRep {
   /// Returns false when the device is not there. Throws when it does not tell its model.
   bool Open() override;
   const char* GetPrompt() const override { return "MorvakTalc> "; }
-  /// Not there yet: throws.
+  /// The area of the board whose number the text is, in decimal; of board 0 for null. Throws when the driver fails.
+  void GetBoardVPD(const char* board, std::uint8_t (&buffer)[kBoardVpdBytes]) override;
+  /// One exchange; the high half of the time-out has no effect, and there is nothing to flush. Returns 0 or
+  /// `kHWCerr_CommandTimeout`. Throws when the device is not open, the driver fails, or the hardware wrote no reply.
+  /// `*replyLengthBytes` bytes of `reply` are overwritten, whatever its length, also on a failure; one that is missing
+  /// counts as a reply that was not written.
   HwcStatus IOCTL_TransactBoBCommand(const std::uint8_t* command, std::uint32_t commandLengthBytes, std::uint8_t* reply,
                                      std::uint32_t* replyLengthBytes, std::uint32_t timeoutLow,
                                      std::uint32_t timeoutHigh) override;

@@ -2,12 +2,25 @@
 
 #include "container/RbiContainer.h"
 #include "errorException.h"
+#include "platform/Platform.h"
 #include "WyvrelHelper.h"
 
 namespace {
 
 constexpr std::uint32_t kProgramWaitMicroseconds = 1'000'000;
 constexpr std::uint32_t kPacketCapacityBytes = 2048;
+
+/// What the block does in the hardware is the hardware's; a download that begins without it is not taken.
+void SendMorvakDiagnostic(WyvrelHelper& board) {
+  constexpr std::uint8_t kBlock[] = {0x62, 0x64, 0x00, 0x02, 0x00, 0x02, 0x00, 0x00};
+  constexpr std::uint32_t kPauseMilliseconds = 500;
+  TalcPath::TalcCommand command("Diagnostic");
+  command.SetSendCommand();
+  command.SetUInt16("Length", sizeof kBlock);
+  command.SetBytes("DiagData", kBlock, sizeof kBlock);
+  if (board.TransactCommand(command) != kHWCerr_None) throw errorException("Failed to send Diagnostic Talc command");
+  platform::Current().clock().Sleep(kPauseMilliseconds);
+}
 
 }  // namespace
 
@@ -83,4 +96,22 @@ void BobCPLDHelper::DownloadChunk(const std::uint8_t* data, std::uint32_t length
   if (board_.SendCommand("CPLDDownload", {Argument::UInt16("Length", static_cast<std::uint16_t>(lengthBytes)),
                                           Argument::Bytes("TheDLData", data, lengthBytes)}) != kHWCerr_None)
     throw errorException("Failed CPLD download command");
+}
+
+void MorvakFPGAHelper::StartDownload(std::uint32_t sizeBytes) {
+  SendMorvakDiagnostic(board_);
+  BobFPGAHelper::StartDownload(sizeBytes);
+}
+
+void MorvakFirmwareHelper::StartDownload(std::uint32_t sizeBytes) {
+  SendMorvakDiagnostic(board_);
+  BobFirmwareHelper::StartDownload(sizeBytes);
+}
+
+void MorvakCPLDHelper::StartDownload(std::uint32_t sizeBytes) {
+  SendMorvakDiagnostic(board_);
+  if (board_.SendCommand("StartCPLDDownload",
+                         {Argument::UInt8("TheCPLD", cpld_), Argument::Symbol("FileType", "kBoBC_Bin"),
+                          Argument::UInt32("DownloadSize", sizeBytes)}) != kHWCerr_None)
+    throw errorException("Could not start Orbo QX CPLD download");
 }

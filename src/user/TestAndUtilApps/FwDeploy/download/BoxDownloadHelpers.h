@@ -6,10 +6,10 @@
 
 class WyvrelHelper;
 
-// Downloads into the break-out box: a start command that announces the transfer, data commands, and a program command
-// whose answer comes only when the box has burnt the image. The box keeps the transfer between the commands. None of
-// them takes it back: a download that fails in the middle leaves a part of it in the box, which the next start
-// replaces.
+// Downloads into the break-out box, and into an Orbo QX, which speaks the same commands: a start command that announces
+// the transfer, data commands, and a program command whose answer comes only when the hardware has burnt the image. The
+// box keeps the transfer between the commands. None of them takes it back: a download that fails in the middle leaves a
+// part of it in the box, which the next start replaces.
 
 /// The program step, which all of them share.
 class TrelvaneHelper : public DownloadHelper {
@@ -64,6 +64,26 @@ class BobCPLDHelper : public TrelvaneHelper {
   void StartDownload(std::uint32_t sizeBytes) override;
   void DownloadChunk(const std::uint8_t* data, std::uint32_t lengthBytes) override;
 
- private:
+ protected:
   const std::uint8_t cpld_;
+};
+
+/// To the start of each download into an Orbo QX belongs a diagnostic block, and half a second behind it.
+class MorvakFPGAHelper : public BobFPGAHelper {
+ public:
+  using BobFPGAHelper::BobFPGAHelper;
+  void StartDownload(std::uint32_t sizeBytes) override;
+};
+
+class MorvakFirmwareHelper : public BobFirmwareHelper {
+ public:
+  using BobFirmwareHelper::BobFirmwareHelper;
+  void StartDownload(std::uint32_t sizeBytes) override;
+};
+
+/// Says what the payload is, unlike its base.
+class MorvakCPLDHelper : public BobCPLDHelper {
+ public:
+  using BobCPLDHelper::BobCPLDHelper;
+  void StartDownload(std::uint32_t sizeBytes) override;
 };

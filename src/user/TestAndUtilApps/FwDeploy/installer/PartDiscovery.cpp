@@ -7,12 +7,6 @@
 
 namespace {
 
-/// The version that this release ships of a part, hexadecimal as all versions are; 0 where it ships none. Two numbers
-/// are on record for each part of the box, and only the first counts.
-constexpr std::uint32_t ExpectedRev(std::uint32_t first, std::uint32_t) {
-  return first;
-}
-
 constexpr std::uint32_t kExpectedHostCard = 0x1161;
 constexpr std::uint32_t kExpectedKarvel = 0;
 

@@ -102,6 +102,30 @@ void QueryVpdPart(Installer& installer, WyvrelHelper& helper, const char* name, 
   RegisterPart(installer, name, id, vpd, current, suffixText, expected);
 }
 
+void GetPartRev(WyvrelHelper& helper, const char* part, PartRev& rev) {
+  constexpr std::uint32_t kLongestText = 31;
+  rev.major = rev.minor = 0;
+  char text[kLongestText + 1] = {};
+  if (helper.ExecuteCommand("GetStringPartRev", {Argument::Symbol("PartID", part),
+                                                 Argument::OutBytes("Version", text, kLongestText)}) != kHWCerr_None) {
+    // Made and not thrown, on purpose: a part that does not answer is a line of warning and no more.
+    [[maybe_unused]] const errorException unthrown("GetStringPartRev failed");
+    std::fprintf(stderr, "GetStringPartRev for %s failed.\n", part);
+  }
+  if (std::strstr(text, "UNKNOWN") != nullptr) return;
+  rev.suffix[0] = '\0';
+  std::uint64_t major = 0;
+  std::uint64_t minor = 0;
+  // The widths of the numbers and the suffix only keep the scan inside its places. The character between them is
+  // dropped where nobody looks.
+  if (text[2] == '.')
+    std::sscanf(text, "%16" SCNx64 ".%16" SCNx64 "%c%28s", &major, &minor, &rev.suffix[29], rev.suffix);
+  else
+    std::sscanf(text, "%2" SCNx64 "%2" SCNx64 "%28s", &major, &minor, rev.suffix);
+  rev.major = static_cast<std::uint32_t>(major);
+  rev.minor = static_cast<std::uint32_t>(minor);
+}
+
 std::int32_t ReadBoardPartNumber(WyvrelHelper* helper, const char* board, BoardPartNumber* numbers) {
   if (helper == nullptr || board == nullptr || numbers == nullptr) return kVpdBadArgument;
   std::uint8_t vpd[kBoardVpdBytes] = {};

@@ -23,6 +23,21 @@ void QueryKarvelPart(Installer& installer, VeltraSpecificHelper& helper, const c
 void QueryVpdPart(Installer& installer, WyvrelHelper& helper, const char* name, const char* id, const char* board,
                   std::uint32_t current, const char* suffixText, std::uint32_t expected);
 
+/// What a part of the second line says that it runs.
+struct PartRev {
+  std::uint32_t major = 0;
+  std::uint32_t minor = 0;
+  /// What stands behind the version. A part that does not know its version leaves the text of the one before.
+  char suffix[32] = {};
+
+  bool IsThere() const { return major != 0 || minor != 0; }
+  std::uint32_t Version() const { return (major << 8) + minor; }
+};
+
+/// Asks a part, by its symbol in the dictionary, what it runs. Version 0.0 when the part says "UNKNOWN", and behind a
+/// line on standard error when it does not answer. A box that answers badly is an `errorException`.
+void GetPartRev(WyvrelHelper& helper, const char* part, PartRev& rev);
+
 /// The three numbers of a board's part number; those that a short text lacks keep these values.
 struct BoardPartNumber {
   std::int32_t first = 9999;
