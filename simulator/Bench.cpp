@@ -37,7 +37,8 @@ void AddUnitRows(std::vector<PartRow>& rows, const MorvakUnitState& unit) {
     rows.push_back(
         {MorvakRowName(version, unit.model, unit.boards), VersionInText(running), VersionInText(stored), {}});
   }
-  // The firmware's row, unless that is missing.
+  // What it refused stands in the firmware's row, also where no part tells a version.
+  if (first == rows.size() && unit.errors.total() > 0) rows.push_back({"pico", std::nullopt, std::nullopt, {}});
   if (first < rows.size()) AddErrors(rows[first].errors, unit.errors);
 }
 

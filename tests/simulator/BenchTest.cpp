@@ -438,6 +438,11 @@ TEST_F(BenchWithUnit, ShowsWhatTheUnitRefusedInItsFirstRow) {
   state.unit->running.Set(0, std::nullopt);
   state.unit->stored.Set(0, std::nullopt);
   EXPECT_THAT(Shown(RowsOf(state))[0], "xandrel 782 782 1");
+  state.unit->running = {};
+  state.unit->stored = {};
+  EXPECT_THAT(Shown(RowsOf(state)), testing::ElementsAre("pico - - 1")) << "it has no part that tells anything";
+  state.unit->errors = {};
+  EXPECT_THAT(Shown(RowsOf(state)), testing::IsEmpty());
 }
 
 TEST_F(BenchWithUnit, ShowsAPartOfWhichOnlyOneTextIsThere) {
