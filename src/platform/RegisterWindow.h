@@ -44,6 +44,12 @@ class RegisterWindow {
       *reinterpret_cast<volatile std::uint32_t*>(address_ + offset) = value;
   }
 
+  /// The first register, where it is memory: for loops of nothing but accesses. Null behind a trap, or without a
+  /// window.
+  volatile std::uint32_t* Memory() const {
+    return trap_ != nullptr ? nullptr : reinterpret_cast<volatile std::uint32_t*>(address_);
+  }
+
   /// The same registers, counted from `offset` on. No window has no parts.
   RegisterWindow From(std::uint32_t offset) const {
     if (address_ == 0) return {};
