@@ -1,5 +1,7 @@
 #include "ContainerFile.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdio>
 #include <limits>
 #include <stdexcept>
@@ -26,4 +28,16 @@ std::string BuildContainer(std::string_view partId, std::uint16_t version, std::
   AppendBigEndian32(container, static_cast<std::uint32_t>(kFixedHeaderBytes + taggedText.size()));
   container.append(revision).append(partId).append(taggedText).append(payload);
   return container;
+}
+
+bool IsPartId(std::string_view text) {
+  return text.size() == 4 && std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+std::optional<std::uint16_t> ParseVersion(std::string_view text) {
+  std::uint16_t version = 0;
+  const char* const end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, version, 16);
+  if (text.size() > 4 || error != std::errc() || stop != end) return std::nullopt;
+  return version;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,3 +14,9 @@
 /// user, when the text is too long for a header.
 std::string BuildContainer(std::string_view partId, std::uint16_t version, std::string_view taggedText,
                            std::string_view payload);
+
+/// True for four printable ASCII characters, as every part id has.
+bool IsPartId(std::string_view text);
+
+/// A version of one to four hexadecimal digits, without sign, blanks or "0x"; nothing for any other text.
+std::optional<std::uint16_t> ParseVersion(std::string_view text);

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdint>
 #include <exception>
@@ -6,11 +5,12 @@
 #include <string>
 
 #include "container/RbiContainer.h"
-#include "container/ScanHex.h"
 #include "ContainerFile.h"
 #include "ContainerReport.h"
 #include "support/Console.h"
 #include "support/WholeFile.h"
+#include "VmeScript.h"
+#include "VmeTokens.h"
 
 namespace {
 
@@ -26,13 +26,11 @@ struct MakeOptions {
 
 /// The checks answer with a text for the user, empty when all is well.
 std::string CheckPartId(const std::string& text) {
-  const bool isPrintable = std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
-  return text.size() == 4 && isPrintable ? "" : "a part id is four printable characters";
+  return IsPartId(text) ? "" : "a part id is four printable characters";
 }
 
 std::string CheckVersion(const std::string& text) {
-  const bool isHex = text.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
-  return !text.empty() && text.size() <= 4 && isHex ? "" : "a version is one to four hexadecimal digits";
+  return ParseVersion(text) ? "" : "a version is one to four hexadecimal digits";
 }
 
 void AddMake(CLI::App& app, MakeOptions& options) {
@@ -47,11 +45,31 @@ void AddMake(CLI::App& app, MakeOptions& options) {
 }
 
 int Make(const MakeOptions& options) {
-  std::uint32_t version = 0;
-  ScanHex32(options.version.c_str(), version);
-  WriteWhole(options.output, BuildContainer(options.partId, static_cast<std::uint16_t>(version), options.taggedText,
+  WriteWhole(options.output, BuildContainer(options.partId, ParseVersion(options.version).value(), options.taggedText,
                                             ReadWhole(options.payload)));
   return kDone;
+}
+
+struct VmeOptions {
+  std::string output;
+  std::string script;
+};
+
+CLI::App* AddVme(CLI::App& app, VmeOptions& options) {
+  CLI::App* vme = app.add_subcommand("vme", "Assemble a script of JTAG steps into a VME file in a container");
+  vme->add_option("OUT", options.output, "The container to write")->required();
+  vme->add_option("--script", options.script, "The script to assemble, see docs/vme.md")->required();
+  return vme;
+}
+
+int Vme(const VmeOptions& options) {
+  try {
+    WriteWhole(options.output, vme_script::AssembleVme(ReadWhole(options.script)));
+    return kDone;
+  } catch (const vme_script::ScriptError& error) {
+    std::cerr << error.Report(options.script);
+    return kFailed;
+  }
 }
 
 int Show(const std::string& fileName) {
@@ -70,6 +88,8 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   MakeOptions options;
   AddMake(app, options);
+  VmeOptions vmeOptions;
+  const CLI::App* vme = AddVme(app, vmeOptions);
   std::string shown;
   CLI::App* show = app.add_subcommand("show", "Print a container's header as a line of JSON");
   show->add_option("FILE", shown, "The container to read")->required();
@@ -81,7 +101,8 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return Complain(kProgram, error.what(), kBadUsage);
   }
-  return show->parsed() ? Show(shown) : Make(options);
+  if (show->parsed()) return Show(shown);
+  return vme->parsed() ? Vme(vmeOptions) : Make(options);
 }
 
 }  // namespace
