@@ -8,7 +8,8 @@ namespace simulator {
 namespace {
 
 /// The Karvel's revision is bits 16 to 23 of its version word.
-std::uint16_t KarvelRevision(std::uint32_t versionWord) {
+std::optional<std::uint16_t> KarvelRevision(std::uint32_t versionWord) {
+  if (versionWord == KarvelCells::kNoVersion) return std::nullopt;
   return static_cast<std::uint16_t>(versionWord >> 16 & 0xFF);
 }
 
@@ -98,8 +99,11 @@ BenchState Bench::Copy() const {
 
 BenchState Bench::State() const {
   BenchState state = Copy();
-  for (auto& card : state.cards)
-    if (card) card->flash.Settle();
+  for (auto& card : state.cards) {
+    if (!card) continue;
+    card->flash.Settle();
+    card->karvel.Settle();
+  }
   std::optional<VeltraBox> box;
   if (box_ != nullptr) box = *box_;
   for (std::size_t i = 0; i < state.cards.size(); ++i)
@@ -137,8 +141,12 @@ std::vector<PartRow> RowsOf(const BenchState& state) {
     AddErrors(flash.errors, card.flash.errors());
     rows.push_back(std::move(flash));
     // The Karvel of a card goes by the card's first letter.
-    rows.push_back(
-        {name.substr(0, 1) + "karvel", KarvelRevision(card.karvelRunning), KarvelRevision(card.karvelStored), {}});
+    PartRow karvel{name.substr(0, 1) + "karvel",
+                   KarvelRevision(card.karvelRunning),
+                   KarvelRevision(card.karvel.cells().VersionWord()),
+                   {}};
+    AddErrors(karvel.errors, card.karvel.errors());
+    rows.push_back(std::move(karvel));
   }
   if (state.box) AddBoxRows(rows, *state.box);
   if (state.unit) AddUnitRows(rows, *state.unit);

@@ -79,7 +79,8 @@ HostCardState ReadCard(JsonFields fields, const FlashNames& names) {
   HostCardState card;
   auto vpd = fields.Object("vpd");
   card.vpd = std::make_shared<const VpdArea>(vpd ? ReadVpdArea(*vpd) : MakeVpdArea("", {}));
-  card.karvelStored = static_cast<std::uint32_t>(fields.HexNumber("karvel", 8).value_or(0));
+  const auto karvelWord = static_cast<std::uint32_t>(fields.HexNumber("karvel", 8).value_or(0));
+  card.karvel = KarvelCpld(MakeShelfKarvel(karvelWord));
   if (const auto version = fields.HexNumber("flash", 4))
     card.flash = FlashChip(
         MakeInstalledFlash(names.fileName, names.partId, static_cast<std::uint16_t>(*version), kDescriptionSeed));

@@ -143,10 +143,40 @@ BoxFifo ReadFifo(JsonFields fields) {
   return fifo;
 }
 
+json KarvelJson(const KarvelCpld& karvel) {
+  json rows = json::array();
+  for (const KarvelRow& row : karvel.cells().rows)
+    rows.push_back(HexOfBytes(row));
+  return {{"rows", std::move(rows)},
+          {"usercode", HexOfBytes(karvel.cells().usercode)},
+          {"done", karvel.cells().done},
+          {"errors", Errors(karvel.errors())}};
+}
+
+KarvelCpld ReadKarvel(JsonFields fields) {
+  KarvelCells cells;
+  const auto rows = fields.Needed("rows", fields.Texts("rows"));
+  if (rows.size() != cells.rows.size()) FailAt(fields.PathOf("rows"), "has a wrong length");
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const auto row = ParseHexBytes(rows[i]);
+    if (!row || row->size() != sizeof(KarvelRow))
+      FailAt(fields.PathOf("rows"), "row " + std::to_string(i) + " is no text of 32 hexadecimal digits");
+    std::copy(row->begin(), row->end(), cells.rows[i].begin());
+  }
+  const auto usercode = fields.Needed("usercode", fields.HexBytes("usercode"));
+  if (usercode.size() != cells.usercode.size()) FailAt(fields.PathOf("usercode"), "has a wrong length");
+  std::copy(usercode.begin(), usercode.end(), cells.usercode.begin());
+  cells.done = fields.Needed("done", fields.Flag("done"));
+  KarvelCpld karvel(cells);
+  karvel.errors() = ReadErrors(fields.Needed("errors", fields.Object("errors")));
+  fields.Finish();
+  return karvel;
+}
+
 json CardJson(const Board& board, const HostCardState& card, std::uint64_t imageChecksum) {
   json value = {{"vpd", HexOfBytes(*card.vpd)},
                 {"karvelRunning", Hex(card.karvelRunning, 8)},
-                {"karvelStored", Hex(card.karvelStored, 8)},
+                {"karvel", KarvelJson(card.karvel)},
                 {"flashRunning", Version(card.flashRunning)},
                 {"flash", FlashJson(card.flash, imageChecksum)},
                 {"errors", Errors(card.errors)}};
@@ -162,7 +192,13 @@ HostCardState ReadCard(const Board& board, JsonFields fields, std::uint64_t& ima
   std::copy(vpd.begin(), vpd.end(), area.begin());
   card.vpd = std::make_shared<const VpdArea>(area);
   card.karvelRunning = static_cast<std::uint32_t>(fields.Needed("karvelRunning", fields.HexNumber("karvelRunning", 8)));
-  card.karvelStored = static_cast<std::uint32_t>(fields.Needed("karvelStored", fields.HexNumber("karvelStored", 8)));
+  if (auto karvel = fields.Object("karvel")) {
+    card.karvel = ReadKarvel(*std::move(karvel));
+  } else {
+    // Benches that are older than the part's cells have the word that is to run instead.
+    const auto word = fields.Needed("karvelStored", fields.HexNumber("karvelStored", 8));
+    card.karvel = KarvelCpld(MakeShelfKarvel(static_cast<std::uint32_t>(word)));
+  }
   if (const auto running = fields.HexNumber("flashRunning", 4))
     card.flashRunning = static_cast<std::uint16_t>(*running);
   card.errors = ReadErrors(fields.Needed("errors", fields.Object("errors")));

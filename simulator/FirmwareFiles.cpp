@@ -1,6 +1,7 @@
 #include "simulator/FirmwareFiles.h"
 
 #include "simulator/BoxParts.h"
+#include "simulator/KarvelProgram.h"
 #include "simulator/MorvakParts.h"
 #include "simulator/RbiFile.h"
 #include "simulator/SeededBytes.h"
@@ -32,6 +33,18 @@ constexpr ReleaseRow kRelease[] = {
     {"JQPY.rbi", "JQPY", 0x010A, 5'147},
 };
 
+constexpr const char* kKarvelFileName = "KRVL0101.rbi";
+constexpr const char* kKarvelPartId = "KRVL";
+constexpr std::uint16_t kKarvelVersion = 0x0017;
+
+/// The version is in the word that the part tells of itself, and in its USERCODE.
+std::vector<std::uint8_t> KarvelBytes(std::uint16_t version, std::uint64_t seed) {
+  const auto rows = MakeKarvelRows(static_cast<std::uint32_t>(version) << 16, seed);
+  const KarvelUsercode usercode = {'K', 'V', static_cast<std::uint8_t>(version >> 8),
+                                   static_cast<std::uint8_t>(version)};
+  return MakeRbi(kKarvelPartId, version, MakeKarvelProgram(rows, usercode));
+}
+
 bool IsForCpld(std::string_view partId) {
   const LoadablePart* part = FindBoxPart(partId);
   if (part == nullptr) part = FindMorvakPart(partId);
@@ -44,11 +57,13 @@ std::vector<FirmwareFile> ReleaseFiles() {
   std::vector<FirmwareFile> files;
   for (const ReleaseRow& row : kRelease)
     files.push_back({row.fileName, RbiContent{row.partId, row.version, row.payloadBytes}});
+  files.push_back({kKarvelFileName, KarvelContent{kKarvelVersion}});
   return files;
 }
 
 std::vector<std::uint8_t> BytesOf(const FirmwareFile& file, std::uint64_t seed) {
   if (const auto* bytes = std::get_if<std::vector<std::uint8_t>>(&file.content)) return *bytes;
+  if (const auto* karvel = std::get_if<KarvelContent>(&file.content)) return KarvelBytes(karvel->version, seed);
   const auto& rbi = std::get<RbiContent>(file.content);
   std::vector<std::uint8_t> payload = SeededBytes(seed, "payload " + file.name, rbi.payloadBytes);
   if (IsForCpld(rbi.partId) && payload.size() >= 2) {

@@ -16,10 +16,15 @@ struct RbiContent {
   std::size_t payloadBytes;
 };
 
+/// A container whose payload programs a Karvel, with seeded rows.
+struct KarvelContent {
+  std::uint16_t version;
+};
+
 /// One file of a bench's firmware folder: a container, or bytes as they are.
 struct FirmwareFile {
   std::string name;
-  std::variant<RbiContent, std::vector<std::uint8_t>> content;
+  std::variant<RbiContent, KarvelContent, std::vector<std::uint8_t>> content;
 };
 
 /// A container for each part that a bench can have, under its default name and at this release's version.

@@ -12,7 +12,8 @@ void HostCardState::PowerCycle(std::int64_t nowNanoseconds) {
   flashAddressRegister = 0;
   fifo.PowerLoss();
   flashRunning = StoredVersion(flash.memory());
-  karvelRunning = karvelStored;
+  karvel.PowerLoss(nowNanoseconds);
+  karvelRunning = karvel.cells().VersionWord();
 }
 
 std::uint32_t HostCard::Control(std::uint32_t code, std::span<const std::uint8_t> in, std::span<std::uint8_t> out,
@@ -26,6 +27,7 @@ std::uint32_t HostCard::Control(std::uint32_t code, std::span<const std::uint8_t
 std::uint32_t HostCard::Read(std::uint32_t offset) {
   clock_.Advance(kAccessNanoseconds);
   if (offset == kFlashData) return state_.flash.ReadPair(state_.flashAddressRegister, clock_.NowNanoseconds());
+  if (offset == kJtagPort) return state_.karvel.ReadPort(clock_.NowNanoseconds(), faults_);
   if (IsFifoRegister(offset)) return state_.fifo.Read(offset, clock_.NowNanoseconds(), box_, faults_);
   if (offset % 4 == 0) {
     if (offset == kKarvelVersion) return state_.karvelRunning;
@@ -41,6 +43,8 @@ void HostCard::Write(std::uint32_t offset, std::uint32_t value) {
     state_.flashAddressRegister = value;
   else if (offset == kFlashData)
     state_.flash.Write(state_.flashAddressRegister, value, clock_.NowNanoseconds(), faults_);
+  else if (offset == kJtagPort)
+    state_.karvel.WritePort(value, clock_.NowNanoseconds(), faults_);
   else if (IsFifoRegister(offset))
     state_.fifo.Write(offset, value, clock_.NowNanoseconds(), box_, faults_);
   else

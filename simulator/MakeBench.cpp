@@ -149,7 +149,7 @@ BenchState MakeBench(const BenchOptions& options) {
     if (!Wanted(options.hostCards, *shelf.board)) continue;
     HostCardState card;
     card.vpd = std::make_shared<const VpdArea>(ShelfVpd(shelf));
-    card.karvelStored = shelf.karvelWord;
+    card.karvel = KarvelCpld(MakeShelfKarvel(shelf.karvelWord));
     card.flash = FlashChip(MakeInstalledFlash(shelf.fileName, shelf.partId, shelf.flashVersion, options.seed));
     card.PowerCycle(0);
     state.cards[i] = std::move(card);

@@ -56,12 +56,17 @@ TEST(BenchDescription, DescribesCards) {
   EXPECT_EQ(belmara.flashRunning, 0x1160);
   EXPECT_EQ(simulator::StoredVersion(belmara.flash.memory()), 0x1160);
   EXPECT_EQ(belmara.karvelRunning, 0x00160000u);
-  EXPECT_EQ(belmara.karvelStored, 0x00160000u);
+  EXPECT_EQ(belmara.karvel.cells().VersionWord(), 0x00160000u);
+  EXPECT_THAT(belmara.karvel.cells().usercode, testing::ElementsAre('B', 'N', 'C', 'H'));
   const auto& dovu = *description.state.cards[1];
   EXPECT_EQ(VpdText(dovu, 4), std::string("\x82\x00\x00\x78", 4));
   EXPECT_EQ(dovu.flashRunning, std::nullopt);
   EXPECT_EQ(dovu.flash.memory(), simulator::FlashMemory());
   EXPECT_EQ(dovu.karvelRunning, 0xFFu);
+  EXPECT_THAT(std::vector<std::uint8_t>(dovu.karvel.cells().rows[0].begin(), dovu.karvel.cells().rows[0].begin() + 4),
+              testing::ElementsAre(0x00, 0x00, 0x00, 0xFF));
+  EXPECT_TRUE(dovu.karvel.cells().done);
+  EXPECT_EQ(ParseBenchDescription(R"({"veltra":{"dovu":{}}})").state.cards[1]->karvelRunning, 0u);
 }
 
 TEST(BenchDescription, TakesCharactersForBytes) {

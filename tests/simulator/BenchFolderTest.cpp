@@ -60,7 +60,8 @@ class BenchFolderTest : public testing::Test {
 void ExpectEqual(const HostCardState& a, const HostCardState& b) {
   EXPECT_EQ(*a.vpd, *b.vpd);
   EXPECT_EQ(a.karvelRunning, b.karvelRunning);
-  EXPECT_EQ(a.karvelStored, b.karvelStored);
+  EXPECT_EQ(a.karvel.cells(), b.karvel.cells());
+  EXPECT_EQ(a.karvel.errors(), b.karvel.errors());
   EXPECT_EQ(a.flashRunning, b.flashRunning);
   EXPECT_EQ(a.errors, b.errors);
   EXPECT_EQ(a.flash.memory(), b.flash.memory());
@@ -73,7 +74,11 @@ TEST_F(BenchFolderTest, KeepsEverything) {
   state.clockNanoseconds = 123'456'789'012;
   HostCardState& card = *state.cards[0];
   card.karvelRunning = 0xFFFFFFFF;
-  card.karvelStored = 0x00170001;
+  card.karvel.cells().rows[0] = {0x00, 0x17, 0x00, 0x01};
+  card.karvel.cells().rows[63][15] = 0xA5;
+  card.karvel.cells().usercode = {'K', 'V', 0x00, 0x17};
+  card.karvel.cells().done = false;
+  card.karvel.errors() = simulator::ProtocolErrors({"karvel: four"}, 40);
   card.flashRunning = std::nullopt;
   card.errors.Add("one \"quoted\"");
   card.errors.Add("two");
@@ -122,6 +127,33 @@ TEST_F(BenchFolderTest, LoadsABenchThatIsOlderThanTheBox) {
   const BenchState loaded = LoadBench(Bench());
   EXPECT_FALSE(loaded.box.has_value());
   EXPECT_TRUE(loaded.cards[0]->fifo.Replies().empty());
+}
+
+TEST_F(BenchFolderTest, WritesTheKarvelRowByRow) {
+  BenchState state = MakeBench({});
+  state.cards[0]->karvel = simulator::KarvelCpld();
+  state.cards[0]->karvel.cells().rows[1][0] = 0x12;
+  Create(state);
+  const nlohmann::json karvel = nlohmann::json::parse(folder.ReadText(kState))["cards"]["belmara"]["karvel"];
+  EXPECT_EQ(karvel["rows"].size(), 64u);
+  EXPECT_EQ(karvel["rows"][0], "ffffffffffffffffffffffffffffffff");
+  EXPECT_EQ(karvel["rows"][1], "12ffffffffffffffffffffffffffffff");
+  EXPECT_EQ(karvel["usercode"], "ffffffff");
+  EXPECT_EQ(karvel["done"], false);
+}
+
+TEST_F(BenchFolderTest, LoadsABenchThatKnowsTheKarvelsWordAlone) {
+  Create(MakeBench({.hostCards = HostCards::kDovu}));
+  Change([](nlohmann::json& s) {
+    s["cards"]["dovu"].erase("karvel");
+    s["cards"]["dovu"]["karvelStored"] = "00170001";
+  });
+  EXPECT_EQ(Complaint(), "");
+  const BenchState loaded = LoadBench(Bench());
+  EXPECT_EQ(loaded.cards[1]->karvelRunning, 0x00160000u);
+  EXPECT_EQ(loaded.cards[1]->karvel.cells().VersionWord(), 0x00170001u);
+  SaveBench(Bench(), loaded);
+  EXPECT_EQ(LoadBench(Bench()).cards[1]->karvel.cells(), loaded.cards[1]->karvel.cells());
 }
 
 TEST_F(BenchFolderTest, KeepsTheOrboQx) {
@@ -346,8 +378,32 @@ INSTANTIATE_TEST_SUITE_P(
                "cards.belmara.vpd: has a wrong length"},
         Damage{"VpdNoHex", [](Json& s) { s["cards"]["belmara"]["vpd"] = "0g"; },
                "cards.belmara.vpd: expected a text of two hexadecimal digits a byte, found \"0g\""},
-        Damage{"LongKarvel", [](Json& s) { s["cards"]["belmara"]["karvelStored"] = "123456789"; },
+        Damage{"NoKarvel", [](Json& s) { s["cards"]["belmara"].erase("karvel"); },
+               "cards.belmara.karvelStored: is missing"},
+        Damage{"OldKarvel",
+               [](Json& s) {
+                 s["cards"]["belmara"].erase("karvel");
+                 s["cards"]["belmara"]["karvelStored"] = "123456789";
+               },
                "cards.belmara.karvelStored: expected a text of 1 to 8 hexadecimal digits, found \"123456789\""},
+        Damage{"TwoKarvels", [](Json& s) { s["cards"]["belmara"]["karvelStored"] = "00170000"; },
+               "cards.belmara.karvelStored: unknown key"},
+        Damage{"KarvelRunning", [](Json& s) { s["cards"]["belmara"]["karvelRunning"] = "123456789"; },
+               "cards.belmara.karvelRunning: expected a text of 1 to 8 hexadecimal digits, found \"123456789\""},
+        Damage{"KarvelRows", [](Json& s) { s["cards"]["belmara"]["karvel"]["rows"].erase(63); },
+               "cards.belmara.karvel.rows: has a wrong length"},
+        Damage{"KarvelRowShort", [](Json& s) { s["cards"]["belmara"]["karvel"]["rows"][1] = "00"; },
+               "cards.belmara.karvel.rows: row 1 is no text of 32 hexadecimal digits"},
+        Damage{"KarvelRowNoHex", [](Json& s) { s["cards"]["belmara"]["karvel"]["rows"][63] = std::string(32, 'g'); },
+               "cards.belmara.karvel.rows: row 63 is no text of 32 hexadecimal digits"},
+        Damage{"KarvelUsercode", [](Json& s) { s["cards"]["belmara"]["karvel"]["usercode"] = "4b5600"; },
+               "cards.belmara.karvel.usercode: has a wrong length"},
+        Damage{"NoKarvelDone", [](Json& s) { s["cards"]["belmara"]["karvel"].erase("done"); },
+               "cards.belmara.karvel.done: is missing"},
+        Damage{"NoKarvelErrors", [](Json& s) { s["cards"]["belmara"]["karvel"].erase("errors"); },
+               "cards.belmara.karvel.errors: is missing"},
+        Damage{"KarvelKey", [](Json& s) { s["cards"]["belmara"]["karvel"]["tap"] = "f"; },
+               "cards.belmara.karvel.tap: unknown key"},
         Damage{"Version", [](Json& s) { s["cards"]["belmara"]["flashRunning"] = 1160; },
                "cards.belmara.flashRunning: expected a text of 1 to 4 hexadecimal digits, found 1160"},
         Damage{"ErrorTexts", [](Json& s) { s["cards"]["belmara"]["errors"]["texts"] = Json::array({1}); },

@@ -142,6 +142,17 @@ TEST(MakeBench, LabelsTheCardsInTwoResources) {
   EXPECT_THAT(vpd, testing::HasSubstr("1-10017-3"));
 }
 
+TEST(MakeBench, TakesTheKarvelsFromTheShelf) {
+  const BenchState state = MakeBench({});
+  for (const auto& card : state.cards) {
+    EXPECT_EQ(card->karvelRunning, 0x00160000u);
+    EXPECT_TRUE(card->karvel.cells().done);
+    EXPECT_THAT(card->karvel.cells().usercode, testing::ElementsAre('B', 'N', 'C', 'H'));
+    for (const simulator::KarvelRow& row : card->karvel.cells().rows)
+      EXPECT_THAT(row, testing::Not(testing::Each(0xFF))) << "programmed, like all of it";
+  }
+}
+
 TEST(MakeBench, FollowsItsSeed) {
   const auto image = [](std::uint64_t seed) { return MakeBench({.seed = seed}).cards[1]->flash.memory(); };
   EXPECT_EQ(image(7), image(7));
@@ -161,7 +172,7 @@ TEST(Bench, MeetsAProgramThroughItsPlatform) {
 
 TEST(Bench, RunsWhatIsStoredOnlyAfterAPowerCycle) {
   Bench bench(MakeBench({.hostCards = HostCards::kBelmara, .box = BoxChoice::kNone}));
-  bench.card(kBelmaraBoard)->state().karvelStored = 0x00170000;
+  bench.card(kBelmaraBoard)->state().karvel.cells().rows[0] = {0x00, 0x17};
   EraseTopBlock(bench);
   bench.clock().Sleep(750);
   EXPECT_THAT(Shown(bench.Rows()), testing::ElementsAre("belmara 4448 - 0", "bkarvel 22 23 0"));
@@ -184,6 +195,37 @@ TEST(Bench, LeavesAnOperationHalfDoneAtAPowerLoss) {
   bench.clock().Sleep(650);
   EXPECT_EQ(bench.card(kBelmaraBoard)->Read(0x400C), 0x00800080u);
   EXPECT_EQ(Bench(cut).card(kBelmaraBoard)->Read(0x400C), 0xFFFFFFFFu) << "word address 0, in array mode";
+}
+
+TEST(Bench, ShowsAKarvelThatDoesNotRunAsErased) {
+  Bench bench(MakeBench({.hostCards = HostCards::kDovu, .box = BoxChoice::kNone}));
+  bench.card(kDovuBoard)->state().karvel.cells().done = false;
+  EXPECT_THAT(Shown(bench.Rows()), testing::ElementsAre("dovu 4448 4448 0", "dkarvel 22 - 0"));
+  bench.PowerCycle();
+  EXPECT_THAT(Shown(bench.Rows()), testing::ElementsAre("dovu 4448 4448 0", "dkarvel - - 0"));
+  bench.card(kDovuBoard)->state().karvel.cells().done = true;
+  EXPECT_THAT(Shown(bench.Rows()), testing::ElementsAre("dovu 4448 4448 0", "dkarvel - 22 0"));
+}
+
+TEST(Bench, ShowsTheErrorsOfAKarvelInItsRow) {
+  Bench bench(MakeBench({.hostCards = HostCards::kBelmara, .box = BoxChoice::kNone}));
+  bench.card(kBelmaraBoard)->Write(0x80400, 0x10);
+  EXPECT_THAT(bench.Rows()[0].errors, testing::IsEmpty());
+  EXPECT_THAT(bench.Rows()[1].errors,
+              testing::ElementsAre("karvel: write of 00000010, which is more than the driven pins"));
+  for (int i = 0; i < 101; ++i)
+    bench.card(kBelmaraBoard)->Write(0x80400, 0x10);
+  EXPECT_EQ(bench.Rows()[1].errors.size(), 101u);
+  EXPECT_EQ(bench.Rows()[1].errors.back(), "and 2 more");
+}
+
+TEST(Bench, ResetsTheKarvelsPortWhenItIsKept) {
+  Bench bench(MakeBench({.hostCards = HostCards::kBelmara, .box = BoxChoice::kNone}));
+  bench.card(kBelmaraBoard)->Write(0x80400, 0x08);
+  EXPECT_EQ(bench.State().cards[0]->karvel.Pins(), 0x10u);
+  EXPECT_THAT(bench.Rows()[1].errors, testing::ElementsAre("karvel: programming enable was left high"));
+  EXPECT_EQ(bench.StateAfterPowerLoss().cards[0]->karvel.errors().total(), 0u);
+  EXPECT_EQ(bench.card(kBelmaraBoard)->Read(0x80400), 0x18u) << "the bench itself goes on";
 }
 
 TEST(Bench, HasItsOperationsEndedWhenItIsKept) {

@@ -3,6 +3,7 @@
 
 #include "simulator/BenchError.h"
 #include "simulator/FirmwareFiles.h"
+#include "simulator/KarvelProgram.h"
 #include "simulator/RbiFile.h"
 #include "simulator/SeededBytes.h"
 #include "support/TempFolder.h"
@@ -28,7 +29,7 @@ TEST(MakeRbi, WritesTheHeaderByteForByte) {
 
 TEST(ReleaseFiles, BeginWithOneForEachHostCard) {
   auto files = simulator::ReleaseFiles();
-  ASSERT_EQ(files.size(), 23u);
+  ASSERT_EQ(files.size(), 24u);
   files.resize(2);
   EXPECT_EQ(files[0].name, "BLMX0202.rbi");
   EXPECT_EQ(files[1].name, "DVUX0202.rbi");
@@ -93,6 +94,28 @@ TEST(ReleaseFiles, HaveOneForEachPartOfTheOrboQx) {
     EXPECT_LE(rbi.payloadBytes, cases[i].payloadAtMost) << cases[i].name;
     EXPECT_NE((rbi.payloadBytes + cases[i].sent) % 1970, 0u) << "ends inside a piece: " << cases[i].name;
   }
+}
+
+TEST(ReleaseFiles, HaveOneForTheKarvels) {
+  const FirmwareFile file = simulator::ReleaseFiles().back();
+  EXPECT_EQ(file.name, "KRVL0101.rbi");
+  const auto bytes = BytesOf(file, 1);
+  ASSERT_GT(bytes.size(), 1'000u);
+  EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + 22), std::string("ORBO.RBI"
+                                                                        "\x00\x00\x00\x26"
+                                                                        "R0017 KRVL",
+                                                                        22));
+  // Behind the header of 38 bytes; the version is in row 0, and in the USERCODE with which the parts are compared.
+  EXPECT_EQ(std::string(bytes.begin() + 38, bytes.begin() + 47), "__VME2.0\xF1");
+  const std::string all(bytes.begin(), bytes.end());
+  EXPECT_THAT(all, testing::HasSubstr(std::string("\x14\x00KV\x00\x17\x70", 7)));
+  EXPECT_EQ(simulator::MakeKarvelRows(0x00170000, 1)[0][1], 0x17);
+  EXPECT_EQ(bytes, BytesOf(file, 1));
+  EXPECT_NE(bytes, BytesOf(file, 2));
+}
+
+TEST(FirmwareFile, OfAKarvelIsSeededWhereItsSizeIsGiven) {
+  EXPECT_EQ(BytesOf({"KRVL0101.rbi", RbiContent{"KRVL", 0x0017, 3}}, 1).size(), 41u);
 }
 
 TEST(FirmwareFile, OfACpldBeginsItsPayloadWithTheVersion) {

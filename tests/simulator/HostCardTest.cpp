@@ -26,7 +26,7 @@ class HostCardTest : public testing::Test {
     vpd[8191] = 0x99;
     state.vpd = std::make_shared<const simulator::VpdArea>(vpd);
     state.karvelRunning = 0x00160000;
-    state.karvelStored = 0x00170000;
+    state.karvel = simulator::KarvelCpld(simulator::MakeShelfKarvel(0x00170000));
     state.flash.memory().SetWord(0x100000, 0xBEEF);
     return state;
   }
@@ -61,6 +61,61 @@ TEST_F(HostCardTest, ReachesTheFlashThroughTheRegisterPair) {
   EXPECT_THAT(card.state().flash.errors().texts(), IsEmpty());
 }
 
+TEST_F(HostCardTest, ReachesTheKarvelThroughTheJtagPort) {
+  for (const simulator::Board* board : simulator::kHostCards) {
+    HostCard each{*board, State(), clock};
+    EXPECT_EQ(each.Read(0x80400), 0x10u);
+    each.Write(0x80400, 0x08);
+    each.Write(0x80400, 0x09);
+    EXPECT_EQ(each.Read(0x80400), 0x19u);
+    EXPECT_EQ(each.state().karvel.tapState(), simulator::TapState::kRunTestIdle);
+    EXPECT_EQ(each.state().errors.total(), 0u);
+    EXPECT_EQ(each.state().karvel.errors().total(), 0u);
+    each.Write(0x80400, 0x10);
+    EXPECT_EQ(each.state().errors.total(), 0u);
+    EXPECT_THAT(each.state().karvel.errors().texts(),
+                ElementsAre("karvel: write of 00000010, which is more than the driven pins"));
+  }
+}
+
+TEST_F(HostCardTest, ProgramsTheKarvelInItsClocksTime) {
+  card.state().karvel = simulator::KarvelCpld();
+  // Enable; then ENABLE and PROGRAM DONE, both into Run-Test/Idle, with a clock for each digit of TMS and TDI.
+  card.Write(0x80400, 0x08);
+  const auto clockIn = [&](std::string_view tms, std::string_view tdi) {
+    for (std::size_t i = 0; i < tms.size(); ++i) {
+      const std::uint32_t pins = 0x08 | (tms[i] == '1' ? 0x02u : 0u) | (tdi[i] == '1' ? 0x04u : 0u);
+      card.Write(0x80400, pins);
+      card.Write(0x80400, pins | 0x01);
+      card.Write(0x80400, pins);
+    }
+  };
+  clockIn("011000000000110", "000000001010100");
+  clockIn("11000000000110", "00000010111100");
+  clock.Advance(999'999 - 250 - 250);
+  card.Write(0x80400, 0x08);
+  EXPECT_FALSE(card.state().karvel.cells().done) << "1 ns early";
+  card.Write(0x80400, 0x08);
+  EXPECT_TRUE(card.state().karvel.cells().done);
+  EXPECT_EQ(card.state().karvel.errors().total(), 0u);
+}
+
+TEST_F(HostCardTest, AsksItsPlanAboutKarvelFaults) {
+  simulator::FaultPlan plan;
+  plan.Add(simulator::ParseFault("karvel-tdo-low"));
+  card.UseFaults(&plan);
+  card.Write(0x80400, 0x08);
+  EXPECT_EQ(card.Read(0x80400), 0x08u);
+  EXPECT_EQ(plan.Count(simulator::Fault::kKarvelUnplugged), 2u);
+}
+
+TEST_F(HostCardTest, RunsNoKarvelThatIsNotDone) {
+  card.state().karvel.cells().done = false;
+  EXPECT_EQ(card.Read(0x04000), 0x00160000u) << "what was loaded at power-up goes on";
+  card.state().PowerCycle(clock.NowNanoseconds());
+  EXPECT_EQ(card.Read(0x04000), 0xFFFFFFFFu);
+}
+
 TEST_F(HostCardTest, TakesAQuarterOfAMicrosecondAnAccess) {
   card.Read(0x02000);
   EXPECT_EQ(clock.NowNanoseconds(), 250);
@@ -88,8 +143,8 @@ TEST_F(HostCardTest, AsksItsPlanAboutFlashFaults) {
 }
 
 TEST_F(HostCardTest, RefusesReadsOfOtherRegisters) {
-  const std::uint32_t refused[] = {0x00000, 0x01FFC, 0x02001, 0x02002, 0x04002, 0x04004, 0x04008,  0x0400D,
-                                   0x04010, 0x7FFFC, 0x80004, 0x80214, 0x80388, 0x80400, 0x100000, 0xFFFFFFFC};
+  const std::uint32_t refused[] = {0x00000, 0x01FFC, 0x02001, 0x02002, 0x04002, 0x04004, 0x04008,  0x0400D,   0x04010,
+                                   0x7FFFC, 0x80004, 0x80214, 0x80388, 0x80402, 0x80404, 0x100000, 0xFFFFFFFC};
   for (const std::uint32_t offset : refused)
     EXPECT_EQ(card.Read(offset), 0xFFFFFFFFu) << std::hex << offset;
   EXPECT_EQ(card.state().errors.total(), std::size(refused));
@@ -98,8 +153,8 @@ TEST_F(HostCardTest, RefusesReadsOfOtherRegisters) {
 }
 
 TEST_F(HostCardTest, RefusesWritesOfOtherRegisters) {
-  const std::uint32_t refused[] = {0x00000, 0x02000, 0x03FFC, 0x04000, 0x04004,
-                                   0x04009, 0x0400E, 0x80004, 0x80388, 0x80400};
+  const std::uint32_t refused[] = {0x00000, 0x02000, 0x03FFC, 0x04000, 0x04004, 0x04009,
+                                   0x0400E, 0x80004, 0x80388, 0x80401, 0x803FC, 0x80404};
   for (const std::uint32_t offset : refused)
     card.Write(offset, 0x12345678);
   EXPECT_EQ(card.state().errors.total(), std::size(refused));

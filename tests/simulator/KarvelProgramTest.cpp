@@ -1,0 +1,109 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "simulator/KarvelProgram.h"
+#include "simulator/VmeData.h"
+
+using simulator::KarvelRow;
+using simulator::MakeKarvelProgram;
+using simulator::MakeKarvelRows;
+using testing::Contains;
+using testing::Each;
+using testing::Key;
+using testing::Not;
+
+using Bytes = std::vector<std::uint8_t>;
+
+namespace {
+
+constexpr simulator::KarvelUsercode kUsercode = {'K', 'V', 0x00, 0x17};
+
+/// A row that is stored as 02 00 17 00 00 FF 0B.
+constexpr KarvelRow kRow = {0x00, 0x17, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF,
+                            0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+
+TEST(KarvelProgram, OfOneRowByteForByte) {
+  const KarvelRow rows[] = {kRow};
+  const Bytes expected = {
+      '_', '_', 'V', 'M', 'E', '2', '.', '0', 0xF1,
+      // MEM 128; ENDDR and ENDIR idle; no headers and trailers; reset, idle
+      0x19, 0x80, 0x01, 0x02, 0x01, 0x03, 0x01, 0x06, 0x00, 0x07, 0x00, 0x08, 0x00, 0x09, 0x00, 0x10, 0x00, 0x10, 0x01,
+      // IDCODE, compared under a mask of ones
+      0x11, 0x08, 0x13, 0x00, 0x16, 0x70,                                                                //
+      0x12, 0x20, 0x13, 0x01, 0x00, 0x03, 0x14, 0x00, 'K', 'R', 'V', 'L', 0x15, 0x02, 0xFF, 0x03, 0x70,  //
+      // VUES, USERCODE
+      0x61, 0x11, 0x08, 0x13, 0x00, 0x17, 0x70,                                    //
+      0x12, 0x20, 0x13, 0x01, 0x00, 0x03, 0x14, 0x00, 'K', 'V', 0x00, 0x17, 0x70,  //
+      // ENABLE; ERASE, 100 ms
+      0x11, 0x08, 0x13, 0x00, 0x15, 0x70,  //
+      0x11, 0x08, 0x13, 0x00, 0x03, 0x70, 0x1A, 0xE4, 0x80, 0x02,
+      // a heap of 34 bytes, once: ADDRESS, PROGRAM ROW from the file, 3 clocks, 3000 us
+      0x32, 0x60, 0x22, 0x33, 0x01,                                      //
+      0x11, 0x08, 0x13, 0x00, 0x01, 0x70,                                //
+      0x23, 0x01, 0x12, 0x40, 0x13, 0x01, 0x00, 0x06, 0x01, 0x70,        //
+      0x11, 0x08, 0x13, 0x00, 0x67, 0x70,                                //
+      0x12, 0x80, 0x01, 0x13, 0x55, 0x70, 0x1B, 0x03, 0x1A, 0xB8, 0x17,  //
+      0x59,                                                              //
+      0x02, 0x00, 0x17, 0x00, 0x00, 0xFF, 0x0B,
+      // a heap of 33 bytes, once: ADDRESS, READ ROW compared with the file
+      0x32, 0x60, 0x21, 0x33, 0x01,                                //
+      0x11, 0x08, 0x13, 0x00, 0x01, 0x70,                          //
+      0x23, 0x01, 0x12, 0x40, 0x13, 0x01, 0x00, 0x06, 0x01, 0x70,  //
+      0x11, 0x08, 0x13, 0x00, 0x2A, 0x70,                          //
+      0x12, 0x80, 0x01, 0x13, 0x01, 0x00, 0x0F, 0x14, 0x55, 0x70,  //
+      0x59,                                                        //
+      0x02, 0x00, 0x17, 0x00, 0x00, 0xFF, 0x0B,
+      // PROGRAM DONE, 2000 us
+      0x11, 0x08, 0x13, 0x00, 0x2F, 0x70, 0x1A, 0xD0, 0x0F,
+      // PROGRAM USERCODE, with the status compared, 3000 us; USERCODE compared
+      0x11, 0x08, 0x13, 0x00, 0x1A, 0x14, 0x00, 0xA0, 0x15, 0x00, 0xE0, 0x70,  //
+      0x12, 0x20, 0x13, 0x00, 'K', 'V', 0x00, 0x17, 0x70, 0x1A, 0xB8, 0x17,    //
+      0x11, 0x08, 0x13, 0x00, 0x17, 0x70,                                      //
+      0x12, 0x20, 0x13, 0x01, 0x00, 0x03, 0x14, 0x00, 'K', 'V', 0x00, 0x17, 0x70,
+      // DISABLE; reset; ENDVME
+      0x11, 0x08, 0x13, 0x00, 0x1E, 0x70, 0x10, 0x00, 0x7F};
+  EXPECT_EQ(MakeKarvelProgram(rows, kUsercode), expected);
+}
+
+TEST(KarvelProgram, HasEachRowBehindBothLoops) {
+  KarvelRow second{};
+  second[15] = 0x81;
+  const KarvelRow rows[] = {kRow, second};
+  const Bytes file = MakeKarvelProgram(rows, kUsercode);
+  const std::string text(file.begin(), file.end());
+  const std::string behindLoop("\x59\x02\x00\x17\x00\x00\xFF\x0B\x01\x00\x0E\x81", 12);
+  const std::size_t first = text.find(behindLoop);
+  ASSERT_NE(first, std::string::npos);
+  EXPECT_EQ(text.substr(first - 33 - 4, 5), "\x60\x22\x33\x02\x11");
+  const std::size_t next = text.find(behindLoop, first + 1);
+  ASSERT_NE(next, std::string::npos);
+  EXPECT_EQ(text.substr(next - 32 - 4, 5), "\x60\x21\x33\x02\x11");
+  EXPECT_EQ(text.find(behindLoop, next + 1), std::string::npos);
+}
+
+TEST(KarvelRows, BeginWithTheVersionWord) {
+  const auto rows = MakeKarvelRows(0x12345678, 1);
+  ASSERT_EQ(rows.size(), 64u);
+  EXPECT_THAT(Bytes(rows[0].begin(), rows[0].begin() + 4), testing::ElementsAre(0x12, 0x34, 0x56, 0x78));
+}
+
+TEST(KarvelRows, AreNotErasedAndFollowTheirSeed) {
+  for (std::uint64_t seed = 1; seed <= 50; ++seed)
+    for (const KarvelRow& row : MakeKarvelRows(0x00170000, seed))
+      EXPECT_THAT(row, Not(Each(0xFF))) << seed;
+  EXPECT_EQ(MakeKarvelRows(0x00170000, 1), MakeKarvelRows(0x00170000, 1));
+  EXPECT_NE(MakeKarvelRows(0x00170000, 1), MakeKarvelRows(0x00170000, 2));
+}
+
+TEST(KarvelRows, BringOutEveryFormOfData) {
+  std::map<int, int> rowsByKind;
+  for (const KarvelRow& row : MakeKarvelRows(0x00170000, 1))
+    ++rowsByKind[simulator::CompressVmeData(row)[0]];
+  for (const int kind : {0x00, 0x01, 0x02, 0x04, 0x08, 0xFF})
+    EXPECT_THAT(rowsByKind, Contains(Key(kind)));
+  EXPECT_GE(rowsByKind[0x01] + rowsByKind[0x02], 16) << "a quarter has long runs";
+}
+
+}  // namespace

@@ -1,0 +1,67 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "simulator/VmeData.h"
+
+using Bytes = std::vector<std::uint8_t>;
+
+namespace {
+
+TEST(VmeNumber, HasGroupsOfSevenBitsLowOnesFirst) {
+  const struct {
+    std::uint32_t value;
+    Bytes bytes;
+  } cases[] = {{0, {0x00}},
+               {1, {0x01}},
+               {127, {0x7F}},
+               {128, {0x80, 0x01}},
+               {3'000, {0xB8, 0x17}},
+               {16'383, {0xFF, 0x7F}},
+               {16'384, {0x80, 0x80, 0x01}},
+               {0x8064, {0xE4, 0x80, 0x02}}};
+  for (const auto& each : cases)
+    EXPECT_EQ(simulator::VmeNumber(each.value), each.bytes) << each.value;
+}
+
+struct Form {
+  const char* name;
+  Bytes data;
+  Bytes compressed;
+};
+
+class VmeDataForm : public testing::TestWithParam<Form> {};
+
+TEST_P(VmeDataForm, IsTheShortest) {
+  EXPECT_EQ(simulator::CompressVmeData(GetParam().data), GetParam().compressed);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, VmeDataForm,
+    testing::Values(
+        Form{"OneByte", {0x16}, {0x00, 0x16}}, Form{"OneByteOfOnes", {0xFF}, {0x00, 0xFF}},
+        Form{"Plain", {0x4B, 0x52, 0x56, 0x4C}, {0x00, 0x4B, 0x52, 0x56, 0x4C}},
+        Form{"PlainWithTheEscapeByte", {0x55, 0x01, 0x55}, {0x00, 0x55, 0x01, 0x55}},
+        Form{"Zeros", Bytes(16, 0x00), {0x01, 0x00, 0x0F}}, Form{"Ones", Bytes(4, 0xFF), {0x02, 0xFF, 0x03}},
+        Form{"ManyZeros", Bytes(301, 0x00), {0x01, 0x00, 0xAC, 0x02}},
+        Form{"ZerosBeforeTheEnd", {0, 0, 0, 0, 0, 0, 0, 1}, {0x01, 0x00, 0x06, 0x01}},
+        Form{"TwoRunsOfZeros",
+             {0x12, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x34, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
+             {0x01, 0x12, 0x00, 0x0B, 0x34, 0x00, 0x0B}},
+        Form{"OnesBehindTheBeginning",
+             {0x00, 0x17, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},
+             {0x02, 0x00, 0x17, 0x00, 0x00, 0xFF, 0x0B}},
+        // 000 1 00100010 000 1 00110011
+        Form{"BitMap", {0x11, 0x11, 0x11, 0x22, 0x11, 0x11, 0x11, 0x33}, {0xFF, 0x11, 0x12, 0x21, 0x33}},
+        // 0000 1 10000001 0000, and three bits to fill the byte
+        Form{"BitMapThatEndsInsideAByte",
+             {0x77, 0x77, 0x77, 0x77, 0x81, 0x77, 0x77, 0x77, 0x77},
+             {0xFF, 0x77, 0x0C, 0x08, 0x00}},
+        Form{"FourNibbles", {0x12, 0x34, 0x12, 0x34}, {0x04, 0x12, 0x34}},
+        Form{"EightNibbles", {0x12, 0x34, 0x56, 0x78, 0x12, 0x34, 0x56, 0x78}, {0x08, 0x12, 0x34, 0x56, 0x78}},
+        Form{"SixteenNibbles", {1, 2, 3, 4, 5, 6, 7, 8, 1, 2, 3, 4, 5, 6, 7, 8}, {0x10, 1, 2, 3, 4, 5, 6, 7, 8}},
+        Form{"NibblesThatDoNotDivide", {0x12, 0x34, 0x12}, {0x00, 0x12, 0x34, 0x12}}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+}  // namespace
