@@ -141,16 +141,11 @@ TEST_F(BenchInstall, AFileOfAnotherPartIsRefused) {
             "FwDeploy failed: Required RBI file is missing or not usable File: FwDeploy.cpp Line: #\n");
 }
 
-TEST_F(BenchInstall, AKarvelIsSkippedSilentlyAndCannotBeProgrammedYet) {
+TEST_F(BenchInstall, AKarvelIsSkippedSilently) {
   folder_.Write("KRVL0101.rbi", Container("KRVL", "0016"));
   const InstallerRun fussy = RunOnBench(state_, {"-bkarvel", "-nopause"});
   EXPECT_EQ(fussy.exitCode, 0);
   EXPECT_EQ(fussy.out + fussy.err, "");
-  const InstallerRun forced = RunOnBench(state_, {"-bkarvel", "-nofussy", "-nopause"});
-  EXPECT_EQ(forced.exitCode, -1);
-  EXPECT_EQ(forced.out, "bkarvel\n");
-  EXPECT_EQ(WithoutLineNumber(forced.err),
-            "FwDeploy failed: No download algorithm for selected part File: FwDeploy.cpp Line: #\n");
 }
 
 TEST_F(BenchInstall, WithTheFirstCardAloneTheSecondIsNotMissed) {

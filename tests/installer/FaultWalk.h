@@ -81,7 +81,7 @@ class FaultWalk : public testing::Test {
     simulator::BenchState state = install_.fresh;
     EXPECT_EQ(Run(state, plan, arguments).exitCode, install_.exitCode);
     EXPECT_EQ(ProtocolErrors(state), std::vector<std::string>()) << "without a fault there is nothing to object to";
-    return plan.Count(simulator::ParseFault(name).fault);
+    return plan.Count(simulator::ParseFault(name + "@1").fault);
   }
 
   /// What a run that was struck left behind does not keep the next one from installing everything.

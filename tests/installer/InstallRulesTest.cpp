@@ -14,7 +14,6 @@
 namespace {
 
 constexpr char kLetThrough[] = "InstallRulesTest.cpp: let through";
-constexpr char kNoAlgorithm[] = "FwDeploy.cpp: No download algorithm for selected part";
 
 /// Fails as soon as a download begins.
 class FailsAtOnce : public FakeHostCards {
@@ -139,26 +138,16 @@ TEST(InstallRules, APartThatIsSelectedAndWasNotFoundStaysSilent) {
 TEST(InstallRules, TheNameIsPrintedBeforeTheAlgorithmIsChosen) {
   const test_support::TempFolder folder;
   const test_support::ScopedWorkingFolder inside(folder.Path());
-  folder.Write("KRVL0101.rbi", Container("KRVL", "0016"));
-  ParsedInstaller parsed({"-bkarvel", "-nofussy"});
-  parsed.installer.RegisterPartLocation("bkarvel", "KRVL", 1, 0, 0x10, "", 0);
+  folder.Write("file.rbi", Container("NEWP", "0016"));
+  Installer installer;
+  installer.AddPartDescription({"newpart", "NEWP", 1, 0, 1, 0, "file.rbi"});
+  const char* const arguments[] = {"-newpart", "-nofussy"};
+  installer.ParseOption(1, arguments);
+  installer.ParseOption(1, arguments + 1);
+  ASSERT_TRUE(installer.RegisterPartLocation("newpart", "NEWP", 1, 0, 0x10, "", 0));
   test_support::CapturedOutput output;
-  EXPECT_EQ(Install(parsed.installer), kNoAlgorithm);
-  EXPECT_EQ(output.out(), "bkarvel\n");
-}
-
-TEST(InstallRules, TheKarvelsAreWithoutAnAlgorithm) {
-  const test_support::TempFolder folder;
-  const test_support::ScopedWorkingFolder inside(folder.Path());
-  for (const std::int32_t number : {9, 10}) {
-    ParsedInstaller parsed({"-nofussy", "-noprogress"});
-    const PartDescription row = parsed.Row(number);
-    folder.Write("file.rbi", Container(row.id, "0001"));
-    const std::string option = std::string("-") + row.name;
-    parsed.Parse({option.c_str(), "file.rbi"});
-    ASSERT_TRUE(parsed.installer.RegisterPartLocation(row.name, row.id, 1, 1, 0, "", 0)) << row.name;
-    EXPECT_EQ(Install(parsed.installer), kNoAlgorithm) << row.name;
-  }
+  EXPECT_EQ(Install(installer), "FwDeploy.cpp: No download algorithm for selected part");
+  EXPECT_EQ(output.out(), "newpart\n");
 }
 
 }  // namespace

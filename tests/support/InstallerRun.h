@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "board/VmePlayer.h"
 #include "FwDeploy.h"
 #include "support/CapturedOutput.h"
 #include "support/TempFolder.h"
@@ -16,9 +17,13 @@ struct InstallerRun {
   std::string leftInInput;  ///< what the run did not read of its standard input
 };
 
-/// Runs the whole program in this process, on the current platform and in the current folder, with `input` as its
-/// standard input.
+/// Runs the whole program in this process, as if it were a new one, on the current platform and in the current folder,
+/// with `input` as its standard input.
 inline InstallerRun RunInstaller(const std::vector<const char*>& arguments, const std::string& input = "\n") {
+  // What lives as long as the process.
+  TheVmePlayer().port = JtagPort();
+  TheVmePlayer().interpreter = VmeInterpreter();
+
   const test_support::TempFolder folder;
   if (std::freopen(folder.Write("input", input).c_str(), "r", stdin) == nullptr) std::abort();
   std::vector<const char*> argv{"FwDeploy"};

@@ -193,11 +193,19 @@ TEST_F(EveryPart, HostCardsAreProgrammed) {
             {1, 0});
 }
 
-TEST_F(EveryPart, KarvelsAreFoundAndHaveNoAlgorithmYet) {
-  const json bench = {{"files", Files({{"KRVL0101.rbi", "KRVL", "0016"}})}, {"veltra", Veltra()}};
-  for (const std::string name : {"bkarvel", "dkarvel"}) {
-    ExpectRun(bench, {"-" + name, "-nofussy", "-nopause"}, 255, name + "\n",
-              "FwDeploy failed: No download algorithm for selected part File: FwDeploy.cpp Line: #\n", {0, 0});
+/// An empty VME file, which programs nothing and goes well: "ORBO.RBI", a header of 22 bytes, "__VME2.0", plain, and
+/// ENDVME.
+TEST_F(EveryPart, KarvelsArePlayedTheirFile) {
+  const json bench = {
+      {"files", {{"KRVL0101.rbi", {{"raw", "4f52424f2e5242490000001652303031373b4b52564c5f5f564d45322e30f27f"}}}}},
+      {"veltra", Veltra()}};
+  const struct {
+    std::string name;
+    const char* title;
+  } cases[] = {{"bkarvel", "Belmara"}, {"dkarvel", "Dovu"}};
+  for (const auto& each : cases) {
+    ExpectRun(bench, {"-" + each.name, "-nofussy", "-nopause"}, 2,
+              each.name + "\nProgramming " + each.title + " Karvel\n\r0%\n", "", {1, 0});
     ASSERT_EQ(test_support::RunProcess("rm", {"-r", folder_.File("bench")}).exitCode, 0);
   }
 }

@@ -48,9 +48,9 @@ constexpr char kNewOrboQx[] =
 const std::string kNewBench = std::string(kNewCards) + kNewBox + kNewOrboQx;
 const std::vector<std::string> kReleaseFiles = {
     "BLMX0202.rbi", "BROX0201.rbi", "DVUX0202.rbi", "ENCD.rbi",     "ENSC.rbi",     "ENVC.rbi",
-    "JQPW.rbi",     "JQPX.rbi",     "JQPY.rbi",     "PICO.rbi",     "PLGR0201.rbi", "QNDL.rbi",
-    "SPCT.rbi",     "TLM_0104.rbi", "TSKP.rbi",     "TULM0002.rbi", "ULMN0101.rbi", "VQPW.rbi",
-    "VQPX.rbi",     "VULM0101.rbi", "XNDR.rbi",     "YRVL.rbi",     "YRVX.rbi"};
+    "JQPW.rbi",     "JQPX.rbi",     "JQPY.rbi",     "KRVL0101.rbi", "PICO.rbi",     "PLGR0201.rbi",
+    "QNDL.rbi",     "SPCT.rbi",     "TLM_0104.rbi", "TSKP.rbi",     "TULM0002.rbi", "ULMN0101.rbi",
+    "VQPW.rbi",     "VQPX.rbi",     "VULM0101.rbi", "XNDR.rbi",     "YRVL.rbi",     "YRVX.rbi"};
 
 MATCHER(IsOneLine, "is one line") {
   return arg.find('\n') == arg.size() - 1 && arg.size() > 1;
@@ -191,7 +191,7 @@ TEST_F(Fwbench, ShowsATableForPeople) {
   ChangeState([](nlohmann::json& state) {
     auto& card = state["cards"]["belmara"];
     card["flashRunning"] = nullptr;
-    card["karvelStored"] = "00170000";
+    card["karvel"]["rows"][0] = "00170000000000000000000000000000";
     card["errors"] = {{"texts", {"card: read of register 00000"}}, {"total", 3}};
   });
   EXPECT_EQ(Output({"show", "bench"}),
@@ -217,7 +217,7 @@ TEST_F(Fwbench, MakesWhatIsStoredRunAtAPowerCycle) {
   Output({"new", "bench", "--host-cards", "belmara", "--box", "none", "--orbo-qx", "none"});
   ChangeState([](nlohmann::json& state) {
     state["cards"]["belmara"]["flashRunning"] = "1234";
-    state["cards"]["belmara"]["karvelStored"] = "00170000";
+    state["cards"]["belmara"]["karvel"]["rows"][0] = "00170000000000000000000000000000";
     state["cards"]["belmara"]["flash"]["hung"] = true;
   });
   EXPECT_THAT(Output({"show", "bench", "--json"}), HasSubstr(R"("running":"1234","stored":"1160")"));
@@ -365,7 +365,7 @@ TEST_F(Fwbench, SaysWhenTheTraceIsNotWhole) {
   Output({"new", "bench"});
   const auto run = Run({"run", "bench", "--trace", "/dev/full", "--", "-version", "-nopause"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.standardError, "fwbench: /dev/full: the trace could not be written to its end\n");
+  EXPECT_EQ(run.standardError, "fwbench: /dev/full: could not be written to its end\n");
 }
 
 TEST_F(Fwbench, PullsThePlug) {

@@ -1,4 +1,3 @@
-#include <charconv>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -34,12 +33,8 @@ struct NewOptions {
   std::string description;
 };
 
-/// Decimal digits alone, which CLI11 would not insist on.
 std::string CheckSeed(const std::string& text) {
-  std::uint64_t seed = 0;
-  const char* const end = text.data() + text.size();
-  const auto [behind, error] = std::from_chars(text.data(), end, seed);
-  return error == std::errc() && behind == end ? "" : "a seed is a decimal number of at most 64 bits";
+  return ReadDecimal(text) ? "" : "a seed is a decimal number of at most 64 bits";
 }
 
 int MakeFromDescription(const NewOptions& options) {

@@ -16,6 +16,7 @@
 #include "simulator/Faulty.h"
 #include "simulator/Pacing.h"
 #include "simulator/Recording.h"
+#include "simulator/Waveform.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ constexpr double kFastestPace = 1'000'000;
 struct RunOptions {
   std::string folder;
   std::string trace;
+  std::string waveform;
   std::optional<double> pace;
   std::vector<std::string> faults;
 };
@@ -40,16 +42,35 @@ simulator::FaultPlan ReadFaults(const std::vector<std::string>& texts) {
   return plan;
 }
 
+/// A file that a run is written down in, if it is asked for.
+class Record {
+ public:
+  explicit Record(const std::string& path) : path_(path) {
+    if (path.empty()) return;
+    file_.open(path, std::ios::binary | std::ios::trunc);
+    if (!file_) throw simulator::BenchError(path + ": cannot be written");
+  }
+  bool IsWanted() const { return file_.is_open(); }
+  std::ostream& stream() { return file_; }
+  /// Throws when not all of it is there.
+  void Close() {
+    if (!IsWanted()) return;
+    file_.close();
+    if (!file_) throw simulator::BenchError(path_ + ": could not be written to its end");
+  }
+
+ private:
+  const std::string path_;
+  std::ofstream file_;
+};
+
 /// The platforms between the installer and the bench, from the bench outwards.
 class Stack {
  public:
   Stack(simulator::Bench& bench, simulator::FaultPlan& plan, const RunOptions& options)
-      : faulty_(bench.platform(), plan), outermost_(&faulty_) {
-    if (!options.trace.empty()) {
-      trace_.open(options.trace, std::ios::binary | std::ios::trunc);
-      if (!trace_) throw simulator::BenchError(options.trace + ": cannot be written");
-      outermost_ = &recording_.emplace(*outermost_, trace_);
-    }
+      : trace_(options.trace), vcd_(options.waveform), faulty_(bench.platform(), plan), outermost_(&faulty_) {
+    if (trace_.IsWanted()) outermost_ = &recording_.emplace(*outermost_, trace_.stream());
+    if (vcd_.IsWanted()) outermost_ = &waveform_.emplace(*outermost_, bench, vcd_.stream());
     if (options.pace) {
       const auto wait = [start = std::chrono::steady_clock::now()](std::chrono::nanoseconds sinceStart) {
         std::this_thread::sleep_until(start + sinceStart);
@@ -60,17 +81,18 @@ class Stack {
 
   platform::Platform& outermost() { return *outermost_; }
 
-  /// Throws when the trace is not whole.
-  void Close(const RunOptions& options) {
-    if (!trace_.is_open()) return;
-    trace_.close();
-    if (!trace_) throw simulator::BenchError(options.trace + ": the trace could not be written to its end");
+  /// Throws when what was written down is not whole.
+  void Close() {
+    trace_.Close();
+    vcd_.Close();
   }
 
  private:
-  std::ofstream trace_;
+  Record trace_;
+  Record vcd_;
   simulator::Faulty faulty_;
   std::optional<simulator::Recording> recording_;
+  std::optional<simulator::Waveform> waveform_;
   std::optional<simulator::Pacing> pacing_;
   platform::Platform* outermost_;
 };
@@ -88,7 +110,8 @@ int CallInstaller(const std::vector<std::string>& arguments) {
 int Run(RunOptions options, const std::vector<std::string>& arguments) {
   // The installer runs in a folder of its own.
   options.folder = std::filesystem::absolute(options.folder).string();
-  if (!options.trace.empty()) options.trace = std::filesystem::absolute(options.trace).string();
+  for (std::string* const path : {&options.trace, &options.waveform})
+    if (!path->empty()) *path = std::filesystem::absolute(*path).string();
   simulator::FaultPlan plan = ReadFaults(options.faults);
   simulator::Bench bench(simulator::LoadBench(options.folder));
   bench.platform().files().ShowRealEnvironment();
@@ -111,7 +134,7 @@ int Run(RunOptions options, const std::vector<std::string>& arguments) {
   std::fflush(stdout);
   simulator::SaveBench(options.folder, cut ? bench.StateAfterPowerLoss() : bench.State());
   if (cut) std::fprintf(stderr, "fwbench: power cut at write %llu\n", static_cast<unsigned long long>(cut->write));
-  stack.Close(options);
+  stack.Close();
   return result;
 }
 
@@ -129,6 +152,8 @@ void AddRunCommand(CLI::App& app, Action& action, const std::vector<std::string>
   command->add_option("DIR", options->folder, "The bench's folder; the installer runs in its folder firmware")
       ->required();
   command->add_option("--trace", options->trace, "Write each register access and control call to this file");
+  command->add_option("--vcd", options->waveform,
+                      "Draw JTAG pins, TAP state and FIFO status as a waveform in this file");
   command->add_option("--pace", options->pace, "Play in real time (1) or so many times as fast; without it, at once")
       ->check(CheckPace);
   command->add_option("--fault", options->faults, "NAME or NAME@N: let every event or the N-th fail; may be repeated")

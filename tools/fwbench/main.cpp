@@ -21,6 +21,7 @@ int Run(const std::vector<std::string>& words) {
   AddNewCommand(app, action);
   AddRunCommand(app, action, installerArguments);
   AddShowCommands(app, action);
+  AddVmeCommand(app, action);
 
   // CLI11 takes the words last first.
   std::vector<std::string> own(std::make_reverse_iterator(dashes), words.rend());

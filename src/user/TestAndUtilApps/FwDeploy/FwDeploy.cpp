@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "board/CreateWyvrelHelper.h"
+#include "board/VmePlayer.h"
 #include "container/RbiContainer.h"
 #include "download/BoxDownloadHelpers.h"
 #include "download/DownloadDriver.h"
@@ -83,6 +84,18 @@ void BuildSuffix(const char* text, char (&suffix)[sizeof PartLocation::suffix]) 
   suffix[0] = '\0';
   if (text == nullptr || text[std::strspn(text, "0 .")] == '\0') return;
   std::snprintf(suffix, sizeof suffix, "-%s", text);
+}
+
+/// Plays the file on the CPLD of a host card, whose port is a register of the card. There is no download to drive here:
+/// the player tells its own progress.
+void ProgramKarvel(const PartDescription& part, VeltraSpecificHelper& veltra) {
+  const std::string karvel = part.name[0] == 'd' ? "Dovu Karvel" : "Belmara Karvel";
+  VmePlayer& player = TheVmePlayer();
+  player.port.Connect(veltra.GetKarvelProgramAddr(part.name));
+  PrintToConsole(("Programming " + karvel + "\n\r").c_str());
+  // A passed USERCODE, which is 1, counts as an error like any other code but 0.
+  const int code = player.PlayVmeFile(part.fileName);
+  if (code != 0) throw errorException(karvel + " Programming Error... Error Code: " + std::to_string(code));
 }
 
 void TellRestart(std::int32_t result) {
@@ -373,6 +386,10 @@ std::uint32_t Installer::ProgramPart(const PartLocation& found, VeltraSpecificHe
   if (name == "belmara" || name == "dovu") {
     ZerinHelper helper(veltra->GetC28FxJ3A(found.part->name), kImageAreaWord);
     DownloadDriver(progress != 0, found, kHostFlashEstimateMicroseconds, helper);
+    return kPowerCycleCpu;
+  }
+  if (std::strcmp(found.part->id, "KRVL") == 0) {
+    ProgramKarvel(*found.part, *veltra);
     return kPowerCycleCpu;
   }
   throw errorException("No download algorithm for selected part");
