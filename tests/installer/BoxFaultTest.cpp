@@ -216,7 +216,7 @@ TEST_P(BoxAccessFaults, EndInAMessageThatIsKnown) {
       FailureLine("Failed firmware download command", "BoxDownloadHelpers.cpp"),
   };
   for (const char* const name : {"read-lost", "write-lost", "power-cut"}) {
-    const std::size_t places = Places(std::string(name) + "@1", arguments);
+    const std::size_t places = Places(name, arguments);
     std::size_t struck = 0;
     std::size_t endless = 0;
     for (std::size_t place = static_cast<std::size_t>(GetParam()); place < places; place += kShards) {

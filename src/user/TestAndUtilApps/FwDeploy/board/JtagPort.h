@@ -43,8 +43,8 @@ class JtagPort {
   /// One pulse of TCK. The low phase has twice as many writes as the high one.
   void PulseClock();
   void PulseClocks(std::uint16_t count);
-  /// Goes to a state, along the one road that the table has for this pair of states; no road leads from a state to
-  /// itself, but for reset. False, with no pin touched, when there is none; reset is reached from everywhere.
+  /// Goes to a state by the road that the table has for these two states; reset is reached from everywhere. Where the
+  /// TAP is in the state already nothing is clocked, but for reset. False, with no pin touched, when there is no road.
   bool MoveTap(std::uint8_t state);
 
   /// How long pulses are: below 1000 each write of a pulse is repeated 1000 / `frequency` + 2 times. False for 0, which
@@ -61,20 +61,20 @@ class JtagPort {
   void Burst(Drive&& drive) {
     volatile std::uint32_t* const memory = port_.Memory();
     if (memory != nullptr && highWrites_ == 1)
-      Run(Pins<MemoryPulse>(*this, MemoryPulse{memory}), drive);
+      Run(Pins<MemoryRegister>(*this, MemoryRegister{memory}), drive);
     else
-      Run(Pins<AnyPulse>(*this, AnyPulse{port_, highWrites_}), drive);
+      Run(Pins<AnyRegister>(*this, AnyRegister{port_, highWrites_}), drive);
   }
 
  private:
   /// A register that is memory.
-  struct MemoryPulse {
+  struct MemoryRegister {
     volatile std::uint32_t* memory;
     static constexpr std::uint32_t highWrites = 1;
     std::uint32_t Read() const { return *memory; }
     void Write(std::uint32_t value) const { *memory = value; }
   };
-  struct AnyPulse {
+  struct AnyRegister {
     platform::RegisterWindow port;
     std::uint32_t highWrites;
     std::uint32_t Read() const { return port.Read(0); }
