@@ -94,7 +94,7 @@ void ProgramKarvel(const PartDescription& part, VeltraSpecificHelper& veltra) {
   player.port.Connect(veltra.GetKarvelProgramAddr(part.name));
   PrintToConsole(("Programming " + karvel + "\n\r").c_str());
   // A passed USERCODE, which is 1, counts as an error like any other code but 0.
-  const int code = player.PlayVmeFile(part.fileName);
+  const std::int8_t code = player.PlayVmeFile(part.fileName);
   if (code != 0) throw errorException(karvel + " Programming Error... Error Code: " + std::to_string(code));
 }
 
