@@ -21,7 +21,8 @@ void* Allocate(std::size_t sizeBytes) noexcept {
   return nullptr;
 }
 
-void Release(void* memory) noexcept {
+/// Not inlined: where it is, the compiler takes `free` for the wrong partner of `new`.
+[[gnu::noinline]] void Release(void* memory) noexcept {
   std::free(memory);
 }
 
