@@ -4,19 +4,15 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
 #include <string>
 
+#include "support/PageBlock.h"
 #include "support/ScriptedRegisters.h"
 
 /// The accesses in the fenced block of the page at `path` that is opened by "```" and `name`; empty if there is none.
 inline test_support::RegisterScript ScriptOnThePage(const char* path, const std::string& name) {
   test_support::RegisterScript script;
-  std::ifstream page(path);
-  std::string line;
-  while (std::getline(page, line) && line != "```" + name)
-    continue;
-  while (std::getline(page, line) && line != "```") {
+  for (const std::string& line : test_support::LinesOnThePage(path, name)) {
     char kind = 0;
     std::uint32_t offset = 0;
     std::uint32_t value = 0;

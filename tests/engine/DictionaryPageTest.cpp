@@ -1,13 +1,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "dictionary/DefinedCommands.h"
 #include "EngineFixture.h"
+#include "support/PageBlock.h"
 
 // The page about dictionaries shows one; it defines what the page says.
 
@@ -16,22 +16,10 @@ namespace {
 using engine_test::CompiledHex;
 using TalcPathPrivate::FindDefinedCommand;
 
-/// The first fenced block of the page that is opened by "```tcd".
-std::string DictionaryOnThePage() {
-  std::ifstream page(DICTIONARY_PAGE);
-  std::string text;
-  std::string line;
-  while (std::getline(page, line) && line != "```tcd")
-    continue;
-  while (std::getline(page, line) && line != "```")
-    text += line + "\n";
-  return text;
-}
-
 class DictionaryPageTest : public engine_test::EngineTest {};
 
 TEST_F(DictionaryPageTest, DefinesThreeCommands) {
-  StartWith(DictionaryOnThePage());
+  StartWith(test_support::TextOnThePage(DICTIONARY_PAGE, "tcd"));
   std::vector<std::string> names;
   for (const auto& [name, format] : *TalcPathPrivate::DefinedCommands())
     names.push_back(name);
@@ -41,7 +29,7 @@ TEST_F(DictionaryPageTest, DefinesThreeCommands) {
 }
 
 TEST_F(DictionaryPageTest, CarriesTheMarkedValueInARequestAndAllInASend) {
-  StartWith(DictionaryOnThePage());
+  StartWith(test_support::TextOnThePage(DICTIONARY_PAGE, "tcd"));
   TalcPath::TalcCommand command("LampControl");
   command.SetSymbol("Lamp", "Lamp_OnAir");
   command.SetSymbol("Brightness", "Lamp_Full");

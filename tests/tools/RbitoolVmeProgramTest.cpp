@@ -11,6 +11,7 @@
 
 #include "support/HexBlock.h"
 #include "support/PacketText.h"
+#include "support/PageBlock.h"
 #include "support/Process.h"
 #include "support/TempFolder.h"
 
@@ -105,31 +106,17 @@ TEST_F(RbitoolVmeProgram, TellsItsUsage) {
   EXPECT_THAT(run.standardOutput, HasSubstr("rbitool vme [OPTIONS] OUT"));
 }
 
-/// The lines of the first fenced block of the page that is opened by "```" and `name`.
-std::vector<std::string> LinesOnThePage(const std::string& name) {
-  std::ifstream page(VME_PAGE);
-  std::vector<std::string> lines;
-  std::string line;
-  while (std::getline(page, line) && line != "```" + name)
-    continue;
-  while (std::getline(page, line) && line != "```")
-    lines.push_back(line);
-  return lines;
-}
-
 class VmePage : public RbitoolVmeProgram {};
 
 TEST_F(VmePage, ShowsTheBytesOfItsScript) {
-  std::string script;
-  for (const std::string& line : LinesOnThePage("vme"))
-    script += line + "\n";
+  const std::string script = test_support::TextOnThePage(VME_PAGE, "vme");
   const test_support::Bytes bytes = test_support::ReadHexBlock(VME_PAGE);
   ASSERT_EQ(bytes.size(), 83u);
   EXPECT_EQ(test_support::Hex(Assembled(script)), test_support::Hex(bytes));
 }
 
 TEST_F(VmePage, ShowsTheBytesOfEachForm) {
-  const std::vector<std::string> lines = LinesOnThePage("forms");
+  const std::vector<std::string> lines = test_support::LinesOnThePage(VME_PAGE, "forms");
   ASSERT_EQ(lines.size(), 6u);
   for (const std::string& line : lines) {
     const std::size_t bar = line.find('|');
