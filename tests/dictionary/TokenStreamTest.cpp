@@ -138,6 +138,75 @@ INSTANTIATE_TEST_SUITE_P(TokenStream, TokenStreamFails,
                                          "2147483648", "-2147483649", "4294967296", "18446744073709551616",
                                          "-99999999999999999999999999999999999999"));
 
+struct UnsignedNumber {
+  std::string text;
+  std::uint32_t value;
+  /// What the next read gives.
+  std::string rest;
+};
+
+class TokenStreamReadsUnsigned : public testing::TestWithParam<UnsignedNumber> {};
+
+TEST_P(TokenStreamReadsUnsigned, Number) {
+  TokenStream stream(GetParam().text);
+  std::uint32_t number = 77;
+  EXPECT_TRUE(stream.ReadNumber(number));
+  EXPECT_EQ(number, GetParam().value);
+  EXPECT_EQ(stream.ReadWord(), GetParam().rest);
+}
+
+const std::vector<UnsignedNumber> kUnsignedNumbers = {
+    {"0", 0, ""},
+    {"12 next", 12, "next"},
+    {"+7", 7, ""},
+    {" \t\r\n\v\f7\n", 7, ""},
+    {"0012", 12, ""},
+    {"0x10", 0, "x10"},
+    {"12abc", 12, "abc"},
+    {"2147483647", 2147483647, ""},
+    {"2147483648", 2147483648, ""},
+    {"4294967295", 4294967295, ""},
+    {"00000000000000000000004294967295", 4294967295, ""},
+};
+INSTANTIATE_TEST_SUITE_P(TokenStream, TokenStreamReadsUnsigned, testing::ValuesIn(kUnsignedNumbers));
+
+class TokenStreamFailsUnsigned : public testing::TestWithParam<std::string> {};
+
+TEST_P(TokenStreamFailsUnsigned, LeavingTheNumberAndReadingNothingMore) {
+  const std::string block = GetParam() + " word 5 ";
+  TokenStream stream(block);
+  std::uint32_t number = 77;
+  EXPECT_FALSE(stream.ReadNumber(number));
+  EXPECT_EQ(number, 77u);
+  EXPECT_EQ(stream.ReadWord(), "");
+  EXPECT_FALSE(stream.ReadNumber(number));
+  EXPECT_EQ(number, 77u);
+}
+
+INSTANTIATE_TEST_SUITE_P(TokenStream, TokenStreamFailsUnsigned,
+                         testing::Values("abc", "+", "++7", ".5", "4294967296", "4294967300", "18446744073709551616",
+                                         "99999999999999999999999999999999999999"));
+
+TEST(TokenStream, FailsToReadAnUnsignedNumberFromNothing) {
+  for (const char* const block : {"", " ", "\r\n\t"}) {
+    TokenStream stream(block);
+    std::uint32_t number = 77;
+    EXPECT_FALSE(stream.ReadNumber(number));
+    EXPECT_EQ(number, 77u);
+    EXPECT_TRUE(stream.AtEnd());
+  }
+}
+
+TEST(TokenStream, IsAtItsEndOnceAnUnsignedNumberTouchedIt) {
+  TokenStream stream("12 13");
+  std::uint32_t number = 0;
+  EXPECT_TRUE(stream.ReadNumber(number));
+  EXPECT_FALSE(stream.AtEnd());
+  EXPECT_TRUE(stream.ReadNumber(number));
+  EXPECT_EQ(number, 13u);
+  EXPECT_TRUE(stream.AtEnd());
+}
+
 TEST(TokenStream, FailsToReadANumberFromNothing) {
   for (const char* const block : {"", " ", "\r\n\t"}) {
     TokenStream stream(block);

@@ -61,7 +61,8 @@ TEST_F(Talctool, ExitsWith2AndALineOnBadUsage) {
       {"compile", "--tcd", "absent.tcd"},
       {"crc", "add", "small.tcd"},
       {"crc", "check", "small.tcd"},
-      {"caps", "--hwc", "small.tcd"},
+      {"caps"},
+      {"caps", "--hwc", "absent.hwc"},
       {"meta"},
   };
   for (const auto& arguments : badUsages) {

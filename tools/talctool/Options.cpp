@@ -30,8 +30,12 @@ std::optional<int> ReadOptions(int argc, char** argv, std::span<const Call> call
   // Lets the options stand behind the call's name, too.
   app.fallthrough();
   AddCommonOptions(app, options);
-  for (const Call& call : calls)
-    app.add_subcommand(call.name, call.help)->callback([&options, &call] { options.call = &call; });
+  for (const Call& call : calls) {
+    CLI::App* const command = app.add_subcommand(call.name, call.help);
+    command->callback([&options, &call] { options.call = &call; });
+    if (call.fileOption != nullptr)
+      command->add_option(call.fileOption, options.file, "The file to read")->type_name("FILE")->required();
+  }
 
   try {
     app.parse(argc, argv);

@@ -14,12 +14,17 @@ struct Call {
   const char* name;
   const char* help;
   void (*run)(const Dictionary& dictionary);
+  /// For a call on a file, in place of `run`: the option that names the file, and what is done with its text.
+  const char* fileOption = nullptr;
+  void (*runOnFile)(const Dictionary& dictionary, const std::string& path, const std::string& text) = nullptr;
 };
 
 /// A command line that has been understood.
 struct Options {
   /// Files to be read in place of the embedded dictionaries.
   std::vector<std::string> dictionaries;
+  /// The file of a call on a file.
+  std::string file;
   LogLines::Detail detail = LogLines::Detail::kFaults;
   const Call* call = nullptr;
 };

@@ -2,6 +2,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "CapsReport.h"
 #include "DefinitionReport.h"
 #include "DefinitionText.h"
 #include "Dictionary.h"
@@ -11,6 +12,7 @@
 #include "PacketLines.h"
 #include "StatementLines.h"
 #include "support/Console.h"
+#include "support/WholeFile.h"
 
 namespace {
 
@@ -25,12 +27,17 @@ constexpr Call kCalls[] = {
     {"compile", "Make packets of the commands on standard input, lines of JSON", CompileLines},
     {"decompile", "Read the reply packets on standard input, lines of JSON", DecompileLines},
     {"text", "Read the statements on standard input, lines of JSON", StatementLines},
+    {"caps", "Tell what a capabilities file holds, as lines of JSON", nullptr, "--hwc", ReportCapabilities},
 };
 
-void Work(const Options& options, const std::vector<DictionaryText>& texts) {
+void Work(const Options& options, const std::vector<DictionaryText>& texts, const std::string& fileText) {
   const LogLines log(options.detail);
   const Dictionary dictionary(texts);
-  options.call->run(dictionary);
+  const Call& call = *options.call;
+  if (call.fileOption == nullptr)
+    call.run(dictionary);
+  else
+    call.runOnFile(dictionary, options.file, fileText);
   FinishOutput();
   // Last, since a faulty dictionary ends no call: what it defined before its fault can be worked with.
   dictionary.RequireGoodSources();
@@ -40,12 +47,14 @@ int Run(int argc, char** argv) {
   Options options;
   if (const auto exitCode = ReadOptions(argc, argv, kCalls, options)) return *exitCode;
   std::vector<DictionaryText> texts;
+  std::string fileText;
   try {
     texts = ReadDictionaryFiles(options.dictionaries);
+    if (options.call->fileOption != nullptr) fileText = ReadWhole(options.file);
   } catch (const std::runtime_error& error) {
     return Complain(kProgram, error.what(), kBadUsage);
   }
-  Work(options, texts);
+  Work(options, texts, fileText);
   return kDone;
 }
 

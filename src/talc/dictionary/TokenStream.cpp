@@ -89,4 +89,12 @@ bool TokenStream::ReadNumber(std::int32_t& number) {
   return true;
 }
 
+bool TokenStream::ReadNumber(std::uint32_t& number) {
+  constexpr std::int64_t kLargest = std::numeric_limits<std::uint32_t>::max();
+  std::int64_t read = 0;
+  if (!ReadWithin(-kLargest, kLargest, read)) return false;
+  number = static_cast<std::uint32_t>(read);
+  return true;
+}
+
 }  // namespace TalcPathPrivate

@@ -25,6 +25,8 @@ class TokenStream {
   /// are no digits or they do not fit: from then on every read fails.
   bool ReadNumber(std::int16_t& number);
   bool ReadNumber(std::int32_t& number);
+  /// Takes a number with a "-", too, and counts it down from 2^32, as formatted streams do.
+  bool ReadNumber(std::uint32_t& number);
 
   /// True once a read has touched the end of the block.
   bool AtEnd() const { return atEnd_; }
