@@ -1,6 +1,5 @@
 #include "board/VmeDelay.h"
 
-#include <cstdio>
 #include <string>
 
 #include "platform/Platform.h"
@@ -32,11 +31,6 @@ void Spin(std::uint16_t milliseconds) {
 }
 
 }  // namespace
-
-void PrintToConsole(const char* text) {
-  std::fputs(text, stdout);
-  std::fflush(stdout);
-}
 
 void VmeDelay::Wait(std::uint16_t value) {
   if (calls_ == 0) progressTenths_ = 0;

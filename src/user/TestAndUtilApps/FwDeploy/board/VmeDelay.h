@@ -1,13 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 
-/// Where the player's texts for the user go.
-using VmePrint = std::function<void(const char* text)>;
-
-/// Standard output, flushed: the texts are signs of life.
-void PrintToConsole(const char* text);
+#include "board/VmePrint.h"
 
 /// The waits of a VME file. They spin on the multimedia timer and never give up the processor.
 class VmeDelay {

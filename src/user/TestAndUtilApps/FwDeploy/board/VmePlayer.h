@@ -6,6 +6,7 @@
 #include "board/JtagPort.h"
 #include "board/VmeDelay.h"
 #include "board/VmeInterpreter.h"
+#include "board/VmePrint.h"
 #include "board/VmeReader.h"
 #include "board/VmeShifter.h"
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "board/VmeDelay.h"
 #include "board/VmeInterpreter.h"
+#include "board/VmePrint.h"
 
 /// Reads a VME file: bytes, numbers and the data of shifts, from the file or from the heap of the running loop.
 ///

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 #include "board/JtagPort.h"
-#include "board/VmeDelay.h"
 #include "board/VmeInterpreter.h"
+#include "board/VmePrint.h"
 
 /// The ways in which a VME file's data go through the TAP. Bits go from the top bit of each byte downward. The last bit
 /// of a shift is driven but not clocked, since the clock that leaves the shift state takes it along; in a cascade the
