@@ -365,7 +365,14 @@ TEST_F(Fwbench, SaysWhenTheTraceIsNotWhole) {
   Output({"new", "bench"});
   const auto run = Run({"run", "bench", "--trace", "/dev/full", "--", "-version", "-nopause"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.standardError, "fwbench: /dev/full: could not be written to its end\n");
+  EXPECT_EQ(run.standardError, "fwbench: /dev/full: the trace could not be written to its end\n");
+}
+
+TEST_F(Fwbench, SaysWhenTheWaveformIsNotWhole) {
+  Output({"new", "bench"});
+  const auto run = Run({"run", "bench", "--vcd", "/dev/full", "--", "-version", "-nopause"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.standardError, "fwbench: /dev/full: the waveform could not be written to its end\n");
 }
 
 TEST_F(Fwbench, PullsThePlug) {

@@ -151,6 +151,13 @@ TEST_F(FwbenchVme, BadUsageIsSaid) {
   }
 }
 
+TEST_F(FwbenchVme, ATraceThatIsNotWholeIsAFailure) {
+  const ProcessResult run = RunProcess(FWBENCH_PROGRAM, {"vme", Compare(), "--tdo", "0", "--trace", "/dev/full"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.standardError, "fwbench: /dev/full: the trace could not be written to its end\n");
+  EXPECT_EQ(RunProcess(FWBENCH_PROGRAM, {"vme", Compare(), "--tdo", "0", "--trace", ""}).exitCode, 2);
+}
+
 TEST_F(FwbenchVme, ATraceThatCannotBeWrittenIsAFailure) {
   const ProcessResult run =
       RunProcess(FWBENCH_PROGRAM, {"vme", Compare(), "--tdo", "0", "--trace", folder_.File("nowhere/trace")});

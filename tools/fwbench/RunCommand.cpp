@@ -2,7 +2,6 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +10,7 @@
 
 #include "Command.h"
 #include "FwDeploy.h"
+#include "Record.h"
 #include "simulator/BenchError.h"
 #include "simulator/BenchFolder.h"
 #include "simulator/Faulty.h"
@@ -42,33 +42,14 @@ simulator::FaultPlan ReadFaults(const std::vector<std::string>& texts) {
   return plan;
 }
 
-/// A file that a run is written down in, if it is asked for.
-class Record {
- public:
-  explicit Record(const std::string& path) : path_(path) {
-    if (path.empty()) return;
-    file_.open(path, std::ios::binary | std::ios::trunc);
-    if (!file_) throw simulator::BenchError(path + ": cannot be written");
-  }
-  bool IsWanted() const { return file_.is_open(); }
-  std::ostream& stream() { return file_; }
-  /// Throws when not all of it is there.
-  void Close() {
-    if (!IsWanted()) return;
-    file_.close();
-    if (!file_) throw simulator::BenchError(path_ + ": could not be written to its end");
-  }
-
- private:
-  const std::string path_;
-  std::ofstream file_;
-};
-
 /// The platforms between the installer and the bench, from the bench outwards.
 class Stack {
  public:
   Stack(simulator::Bench& bench, simulator::FaultPlan& plan, const RunOptions& options)
-      : trace_(options.trace), vcd_(options.waveform), faulty_(bench.platform(), plan), outermost_(&faulty_) {
+      : trace_(options.trace, "the trace"),
+        vcd_(options.waveform, "the waveform"),
+        faulty_(bench.platform(), plan),
+        outermost_(&faulty_) {
     if (trace_.IsWanted()) outermost_ = &recording_.emplace(*outermost_, trace_.stream());
     if (vcd_.IsWanted()) outermost_ = &waveform_.emplace(*outermost_, bench, vcd_.stream());
     if (options.pace) {

@@ -2,17 +2,19 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "board/VmePlayer.h"
 #include "Command.h"
 #include "platform/Platform.h"
+#include "Record.h"
 #include "simulator/WrappedPlatform.h"
 
 namespace {
@@ -136,9 +138,8 @@ class SpunPlatform : public simulator::WrappedPlatform {
 constexpr std::uint64_t kPortAddress = 0x1000;
 
 int Play(const VmeOptions& options) {
-  std::ofstream file(options.trace, std::ios::binary | std::ios::trunc);
-  if (!file) throw std::runtime_error(options.trace + ": cannot be written");
-  Trace trace(file);
+  Record record(options.trace, "the trace");
+  Trace trace(record.stream());
   SpunPlatform spun(platform::Native(), trace);
   const platform::ScopedPlatform current(spun);
   ScriptedPort port(*ParseTdo(options.tdo), trace);
@@ -146,8 +147,7 @@ int Play(const VmeOptions& options) {
   player.port.Connect(platform::RegisterWindow(kPortAddress, &port));
   for (const std::string& path : options.files)
     trace.Result(player.PlayVmeFile(path.c_str()));
-  file.close();
-  if (!file) throw std::runtime_error(options.trace + ": the trace could not be written to its end");
+  record.Close();
   return kDone;
 }
 
@@ -158,7 +158,9 @@ void AddVmeCommand(CLI::App& app, Action& action) {
   const auto options = std::make_shared<VmeOptions>();
   command->add_option("FILE", options->files, "Containers with VME files")->required();
   command->add_option("--tdo", options->tdo, "What TDO reads: 0, 1 or random:SEED")->required()->check(CheckTdo);
-  command->add_option("--trace", options->trace, "Write what the player does to this file")->required();
+  command->add_option("--trace", options->trace, "Write what the player does to this file")
+      ->required()
+      ->check([](const std::string& path) { return path.empty() ? "a trace needs a name" : ""; });
   command->footer(
       "The trace has a line for each store (W and the pins), TDO read (R), delay (D, milliseconds) and printed text\n"
       "(P), in order, and RESULT with the code behind each file.");
