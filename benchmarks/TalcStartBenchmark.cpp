@@ -1,14 +1,15 @@
-// The library's start: the six dictionaries from text to tables, and how that grows with their number.
+// The library's start: the six dictionaries and the capabilities from text to tables, what of that is the
+// dictionaries', and how it grows with their number.
 
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "dictionary/DefinedCommands.h"
+#include "OtherTexts.h"
 #include "platform/Platform.h"
 #include "ProtobufPeer.h"
 #include "TalcBenchmark.h"
@@ -23,50 +24,7 @@ constexpr char kStartPeer[] = "start_peer";
 constexpr char kCopies[] = "start_copies";
 constexpr int kMostCopies = 100;
 
-using Blocks = std::vector<std::string>;
-
-/// The native platform with other dictionaries embedded.
-class OtherDictionaries final : public platform::Platform, private platform::TextBlocks {
- public:
-  explicit OtherDictionaries(Blocks blocks) : blocks_(std::move(blocks)) {}
-
-  platform::Devices& devices() override { return platform::Native().devices(); }
-  platform::Clock& clock() override { return platform::Native().clock(); }
-  platform::FrontEnd& frontEnd() override { return platform::Native().frontEnd(); }
-  platform::TextBlocks& textBlocks() override { return *this; }
-  platform::Files& files() override { return platform::Native().files(); }
-
- private:
-  std::vector<std::string> List(std::string_view) override {
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < blocks_.size(); ++i)
-      names.push_back(std::to_string(i));
-    return names;
-  }
-  std::optional<std::string_view> Bytes(std::string_view, std::string_view name) override {
-    return blocks_[std::stoul(std::string(name))];
-  }
-
-  Blocks blocks_;
-};
-
-Blocks EmbeddedDictionaries() {
-  Blocks blocks;
-  platform::TextBlocks& embedded = platform::Native().textBlocks();
-  for (const std::string& name : embedded.List("RT_TCD_FILE"))
-    blocks.emplace_back(*embedded.Bytes("RT_TCD_FILE", name));
-  return blocks;
-}
-
-/// Runs `use` while the library is stopped.
-template <typename Use>
-void WhileStopped(Use use) {
-  if (!TalcPath::TalcPathTerminate()) std::abort();
-  use();
-  if (!TalcPath::TalcPathInit()) std::abort();
-}
-
-/// Starts that find the dictionaries of `system`.
+/// Starts that find the texts of `system`.
 void RunStarts(benchmark::State& state, platform::Platform& system) {
   WhileStopped([&] {
     const platform::ScopedPlatform scope(system);
@@ -85,7 +43,9 @@ bool IsWhiteSpace(char c) {
 
 /// Finds all words of the texts, and keeps nothing of them.
 void SplitIntoTokens(benchmark::State& state) {
-  const Blocks blocks = EmbeddedDictionaries();
+  Texts blocks = EmbeddedDictionaries();
+  for (std::string& text : EmbeddedTexts("RT_HWC_FILE"))
+    blocks.push_back(std::move(text));
   for (auto _ : state) {
     for (const std::string& text : blocks) {
       const char* at = text.data();
@@ -124,9 +84,9 @@ std::string BodyOf(const TalcPathPrivate::CommandFormat& format) {
 
 /// The embedded commands `copies` times, under other names and codes. A diagnostic code is one of 256, so only the
 /// first copies have diagnostic commands.
-Blocks CopiesOfDictionaries(int copies) {
+Texts CopiesOfDictionaries(int copies) {
   static const char* const kMajors[] = {"VIDEO", "AUDIO", "SYSTEM", "DIAGNOSTIC"};
-  Blocks blocks;
+  Texts blocks;
   int code = 0;
   int opcode = 0;
   for (int copy = 0; copy < copies; ++copy) {
@@ -150,7 +110,7 @@ Blocks CopiesOfDictionaries(int copies) {
 }
 
 void RunStartsOfCopies(benchmark::State& state, int copies) {
-  OtherDictionaries system(CopiesOfDictionaries(copies));
+  OtherTexts system(CopiesOfDictionaries(copies), {"# no capabilities ;"});
   RunStarts(state, system);
 }
 
@@ -170,6 +130,7 @@ void AddStartBenchmarks() {
 
 void PrintStartRatios(const FastestReporter& reporter) {
   reporter.PrintRatio("start", kStart, kStartFloor, "the floor");
+  reporter.PrintRatio("start without capabilities", CopiesName(1), kStart, "the start");
   reporter.PrintRatio("start, peer", kStartPeer, kStart, "ours");
   for (const int copies : {10, kMostCopies})
     reporter.PrintRatio("start with " + std::to_string(copies) + " copies of the dictionaries", CopiesName(copies),

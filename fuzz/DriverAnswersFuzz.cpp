@@ -157,7 +157,7 @@ class AnySystem : public platform::Platform {
   platform::Clock& clock() override { std::abort(); }
   platform::FrontEnd& frontEnd() override { std::abort(); }
   platform::TextBlocks& textBlocks() override { return platform::Native().textBlocks(); }
-  platform::Files& files() override { std::abort(); }
+  platform::Files& files() override { return platform::Native().files(); }
 
  private:
   AnyDevices& devices_;

@@ -152,7 +152,7 @@ class DriverPlatform final : public platform::Platform {
   platform::Clock& clock() override { std::abort(); }
   platform::FrontEnd& frontEnd() override { std::abort(); }
   platform::TextBlocks& textBlocks() override { return platform::Native().textBlocks(); }
-  platform::Files& files() override { std::abort(); }
+  platform::Files& files() override { return platform::Native().files(); }
 };
 
 /// A helper that is opened once for all inputs.

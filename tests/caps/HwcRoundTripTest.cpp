@@ -50,8 +50,9 @@ class HwcRoundTripTest : public caps_test::CapsTest {
 TEST_F(HwcRoundTripTest, GivesBackOneOfEverything) {
   caps_.hardwareType = "Trelvane";
   caps_.overrideTimeouts = {{"Video", 1500}, {"Nothing", 4294967295}};
-  Block& both = caps_.AppendBlock(SymbolBlock("Both", "Video", "Side", "Gain"));
+  Block both = SymbolBlock("Both", "Video", "Side", "Gain");
   ASSERT_TRUE(both.AddIntegerCondition("Audio", "Level", -2147483647 - 1));
+  caps_.AppendBlock(both);
   const Block& unnamed = caps_.AppendBlock(NumberBlock("", "Probe", "Address", 2147483647));
   ASSERT_TRUE(caps_.AddProperty("Text", Variant(std::string("a_b")), both));
   ASSERT_TRUE(caps_.AddProperty("Number", Variant(std::int32_t{-310}), Block()));

@@ -54,8 +54,9 @@ TEST_F(HwcWriterTest, WritesTheDefaultBlockWithoutAnything) {
 
 TEST_F(HwcWriterTest, WritesOneOfEverything) {
   caps_.overrideTimeouts = {{"Video", 1500}, {"Audio", 4294967295}};
-  Block& both = caps_.AppendBlock(SymbolBlock("Both", "Video", "Side", "Gain"));
+  Block both = SymbolBlock("Both", "Video", "Side", "Gain");
   ASSERT_TRUE(both.AddIntegerCondition("Audio", "Level", -9));
+  caps_.AppendBlock(both);
   const Block& unnamed = caps_.AppendBlock(NumberBlock("", "Probe", "Address", 7));
   ASSERT_TRUE(caps_.AddProperty("Text", Variant(std::string("a_b")), both));
   ASSERT_TRUE(caps_.AddProperty("Number", Variant(std::int32_t{-310}), both));

@@ -57,8 +57,6 @@ TEST_F(TalcHWCapsTest, KeepsBlocksInTheirOrder) {
   caps_.AppendBlock();
   EXPECT_EQ(&appended, caps_.Blocks().front().get());  // it stays where it is
   EXPECT_THAT(BlocksOf(caps_), ElementsAre("B {Video Side 1 Input}", "A {Audio Level 5}", " {}"));
-  caps_.RemoveLastBlock();
-  EXPECT_THAT(BlocksOf(caps_), ElementsAre("B {Video Side 1 Input}", "A {Audio Level 5}"));
 }
 
 TEST_F(TalcHWCapsTest, FindsABlockByItsName) {

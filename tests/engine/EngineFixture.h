@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 
+#include "caps/CapsState.h"
 #include "dictionary/DefinedCommands.h"
 #include "dictionary/Log.h"
 #include "engine/Library.h"
@@ -77,6 +78,8 @@ class EngineTest : public ::testing::Test {
     while (TalcPathPrivate::IsInitialized())
       TalcPath::TalcPathTerminate();
     // A start that failed leaves what it read, and nothing public forgets it.
+    TalcPathPrivate::FreeCapsManager();
+    TalcPathPrivate::StopCapabilities();
     TalcPathPrivate::ErrorList errors;
     TalcPathPrivate::DeleteDefinedCommands(errors);
     TalcPathPrivate::DeleteCommandTypeTable(errors);

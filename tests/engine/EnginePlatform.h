@@ -16,36 +16,48 @@
 /// The services that the library asks of the system, each filled by a test.
 namespace engine_test {
 
-/// Blocks of text in the order in which a test puts them in. All are of the type of dictionaries.
+/// Blocks of text in the order in which a test puts them in: dictionaries, and one of capabilities without anything in
+/// it, in place of which a test can put others.
 class FakeTextBlocks final : public platform::TextBlocks {
  public:
   void Add(std::string name, std::string text) { blocks_.emplace_back(std::move(name), std::move(text)); }
+  void AddCapabilities(std::string name, std::string text) {
+    capabilities_.emplace_back(std::move(name), std::move(text));
+  }
+  void RemoveCapabilities() { capabilities_.clear(); }
   /// A block that is listed and cannot be had.
   void AddUnreadable(std::string name) { blocks_.emplace_back(std::move(name), std::nullopt); }
   void RemoveAll() { blocks_.clear(); }
   /// Is called with the name before the bytes of a block are handed out.
   void OnBytes(std::function<void(std::string_view)> action) { onBytes_ = std::move(action); }
-  /// The blocks whose bytes were asked for, in order.
+  /// The dictionaries whose bytes were asked for, in order.
   const std::vector<std::string>& Asked() const { return asked_; }
 
   std::vector<std::string> List(std::string_view type) override {
     std::vector<std::string> names;
-    if (type == "RT_TCD_FILE")
-      for (const auto& [name, text] : blocks_)
-        names.push_back(name);
+    for (const auto& [name, text] : BlocksOf(type))
+      names.push_back(name);
     return names;
   }
   std::optional<std::string_view> Bytes(std::string_view type, std::string_view wanted) override {
-    asked_.emplace_back(wanted);
+    if (type == "RT_TCD_FILE") asked_.emplace_back(wanted);
     if (onBytes_) onBytes_(wanted);
-    if (type == "RT_TCD_FILE")
-      for (const auto& [name, text] : blocks_)
-        if (name == wanted) return text;
+    for (const auto& [name, text] : BlocksOf(type))
+      if (name == wanted) return text;
     return std::nullopt;
   }
 
  private:
-  std::vector<std::pair<std::string, std::optional<std::string>>> blocks_;
+  using Blocks = std::vector<std::pair<std::string, std::optional<std::string>>>;
+
+  const Blocks& BlocksOf(std::string_view type) const {
+    static const Blocks none;
+    if (type == "RT_TCD_FILE") return blocks_;
+    return type == "RT_HWC_FILE" ? capabilities_ : none;
+  }
+
+  Blocks blocks_;
+  Blocks capabilities_ = {{"Test.hwc", "# None ;"}};
   std::vector<std::string> asked_;
   std::function<void(std::string_view)> onBytes_;
 };
@@ -53,6 +65,9 @@ class FakeTextBlocks final : public platform::TextBlocks {
 /// Directories whose listings a test writes down. What they list need not exist.
 class FakeFiles final : public platform::Files {
  public:
+  /// The variable TALCPATHREADDIRS.
+  std::optional<std::string> readDirectories;
+
   void Add(const std::string& directory, std::vector<platform::DirectoryEntry> entries) {
     listings_[directory] = std::move(entries);
   }
@@ -69,6 +84,7 @@ class FakeFiles final : public platform::Files {
     return found->second;
   }
   std::optional<std::string> GetEnvironmentVariableA(const char* name) override {
+    if (std::string_view(name) == "TALCPATHREADDIRS") return readDirectories;
     ADD_FAILURE() << "the library asked for the variable " << name;
     return std::nullopt;
   }

@@ -41,6 +41,10 @@ TEST_F(TextBlocksPassTest, HandsOutEachBlockInTheOrderOfTheListWithABlankBehindI
 TEST_F(TextBlocksPassTest, TakesOnlyTheTypeThatIsAskedFor) {
   blocks_.Add("a", "text");
   EXPECT_TRUE(Pass("RT_HWC_FILE"));
+  EXPECT_TRUE(isFound_);
+  EXPECT_THAT(processor_.names, ElementsAre("Test.hwc"));
+  processor_.names.clear();
+  EXPECT_TRUE(Pass("RT_OTHER"));
   EXPECT_FALSE(isFound_);
   EXPECT_THAT(processor_.names, IsEmpty());
 }

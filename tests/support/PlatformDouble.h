@@ -13,7 +13,7 @@
 ///     platform::ScopedPlatform scope(system);
 ///
 /// The services must outlive it. Asking for one that was not put in throws std::logic_error; but the embedded texts are
-/// the program's own until others are put in, since every helper reads them.
+/// the program's own until others are put in, and so are files and environment, since every helper reads them.
 namespace test_support {
 
 class PlatformDouble final : public platform::Platform {
@@ -28,7 +28,7 @@ class PlatformDouble final : public platform::Platform {
   platform::Clock& clock() override { return Given(clock_, "clock"); }
   platform::FrontEnd& frontEnd() override { return Given(frontEnd_, "front end"); }
   platform::TextBlocks& textBlocks() override { return *textBlocks_; }
-  platform::Files& files() override { return Given(files_, "files"); }
+  platform::Files& files() override { return *files_; }
 
  private:
   template <typename Service>
@@ -41,7 +41,7 @@ class PlatformDouble final : public platform::Platform {
   platform::Clock* clock_ = nullptr;
   platform::FrontEnd* frontEnd_ = nullptr;
   platform::TextBlocks* textBlocks_ = &platform::Native().textBlocks();
-  platform::Files* files_ = nullptr;
+  platform::Files* files_ = &platform::Native().files();
 };
 
 }  // namespace test_support

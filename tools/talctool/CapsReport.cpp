@@ -53,10 +53,11 @@ Json Value(const std::string& command, const std::string& parameter, const TalcP
 
 Json Values(const TalcHWCaps& caps, const HWCapsConditionBlock& block) {
   Json list = Json::array();
+  const HWCapsConditionBlock* const own = caps.FindSameBlock(block);
   for (const auto& [command, parameters] : caps.AllCommandValues())
     for (const auto& [parameter, values] : parameters)
-      for (const TalcHWCaps::CommandValue& each : values)
-        if (each.block->HasSameConditions(block)) list.push_back(Value(command, parameter, each.value));
+      if (const TalcPathPrivate::Variant* const value = values.Find(own))
+        list.push_back(Value(command, parameter, *value));
   return list;
 }
 

@@ -46,17 +46,22 @@ const HWCapsConditionRecord* HWCapsConditionBlock::Find(std::string_view command
   return record == parameters->second.end() ? nullptr : &record->second;
 }
 
-bool HWCapsConditionBlock::HasSameConditions(const HWCapsConditionBlock& other) const {
+std::strong_ordering HWCapsConditionBlock::CompareConditions(const HWCapsConditionBlock& other) const {
+  if (this == &other) return std::strong_ordering::equal;
   // The maps are in the order of their names, so that equal ones go side by side.
-  return std::equal(commands_.begin(), commands_.end(), other.commands_.begin(), other.commands_.end(),
-                    [](const auto& command, const auto& otherCommand) {
-                      if (command.first != otherCommand.first) return false;
-                      return std::equal(command.second.begin(), command.second.end(), otherCommand.second.begin(),
-                                        otherCommand.second.end(), [](const auto& record, const auto& otherRecord) {
-                                          return record.first == otherRecord.first &&
-                                                 record.second.value == otherRecord.second.value;
-                                        });
-                    });
+  const auto compareRecords = [](const auto& record, const auto& otherRecord) {
+    const auto names = record.first <=> otherRecord.first;
+    return names != 0 ? names : record.second.value <=> otherRecord.second.value;
+  };
+  const auto compareCommands = [&](const auto& command, const auto& otherCommand) {
+    const auto names = command.first <=> otherCommand.first;
+    if (names != 0) return names;
+    return std::lexicographical_compare_three_way(command.second.begin(), command.second.end(),
+                                                  otherCommand.second.begin(), otherCommand.second.end(),
+                                                  compareRecords);
+  };
+  return std::lexicographical_compare_three_way(commands_.begin(), commands_.end(), other.commands_.begin(),
+                                                other.commands_.end(), compareCommands);
 }
 
 }  // namespace TalcPathPrivate

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -37,7 +38,9 @@ class HWCapsConditionBlock {
   const Commands& Conditions() const { return commands_; }
 
   /// The same parameters with the same numbers. Neither the name of the block counts, nor those of symbols.
-  bool HasSameConditions(const HWCapsConditionBlock& other) const;
+  bool HasSameConditions(const HWCapsConditionBlock& other) const { return CompareConditions(other) == 0; }
+  /// An order in which those with the same conditions are equal.
+  std::strong_ordering CompareConditions(const HWCapsConditionBlock& other) const;
 
   std::string keyname;
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <exception>
 #include <istream>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -34,12 +35,13 @@ class HwcReader {
   bool ReadRange(TokenStream& statement, std::string_view command, std::string_view parameter);
   bool ReadSymbols(TokenStream& statement, std::string_view command, std::string_view parameter);
 
-  const HWCapsConditionBlock& CurrentBlock() const { return block_ == nullptr ? caps_.DefaultBlock() : *block_; }
+  bool ReadStatements(std::istream& stream);
 
   TalcHWCaps& caps_;
-  /// Null is the default block.
-  HWCapsConditionBlock* block_ = nullptr;
-  bool isInHeader_ = false;
+  /// What properties and values belong to.
+  const HWCapsConditionBlock* block_ = &caps_.DefaultBlock();
+  /// The block whose header is being read.
+  std::optional<HWCapsConditionBlock> header_;
   bool hasHardwareType_ = false;
   bool isGood_ = true;
 };
@@ -50,6 +52,13 @@ bool ReadNumber(TokenStream& statement, std::int32_t& number) {
 }
 
 bool HwcReader::Read(std::istream& stream) {
+  const bool isRead = ReadStatements(stream);
+  // A text may end within a header: its block counts, with what it has.
+  if (header_) caps_.AppendBlock(*std::move(header_));
+  return isRead;
+}
+
+bool HwcReader::ReadStatements(std::istream& stream) {
   std::array<char, kLongestBlock + 1> buffer;
   while (true) {
     stream.getline(buffer.data(), buffer.size(), ';');
@@ -78,7 +87,7 @@ bool HwcReader::ReadHardwareType(TokenStream& statement) {
 
 bool HwcReader::ReadStatement(std::string_view word, TokenStream& statement) {
   if (word == "ConditionBlockEnd") return EndHeader();  // outside a header, too
-  if (isInHeader_) {
+  if (header_) {
     if (word == "ConditionKeyname") return ReadKeyname(statement);
     if (word == "Condition") return ReadCondition(statement);
     return false;
@@ -91,25 +100,21 @@ bool HwcReader::ReadStatement(std::string_view word, TokenStream& statement) {
 }
 
 bool HwcReader::BeginBlock() {
-  isInHeader_ = true;
-  block_ = &caps_.AppendBlock();
+  header_.emplace();
   return true;
 }
 
 bool HwcReader::EndHeader() {
-  // There is no header of the default block that could end.
-  if (block_ == nullptr) return false;
-  // A header without conditions is the way back to the default block. Its block is the last one, and holds nothing.
-  if (block_->ConditionCount() == 0) {
-    caps_.RemoveLastBlock();
-    block_ = nullptr;
-  }
-  isInHeader_ = false;
+  // Behind a header its end may come again, and changes nothing; but the default block has no header that could end.
+  if (!header_) return block_ != &caps_.DefaultBlock();
+  // A header without conditions is the way back to the default block.
+  block_ = header_->ConditionCount() == 0 ? &caps_.DefaultBlock() : &caps_.AppendBlock(*std::move(header_));
+  header_.reset();
   return true;
 }
 
 bool HwcReader::ReadKeyname(TokenStream& statement) {
-  block_->keyname = statement.ReadWord();
+  header_->keyname = statement.ReadWord();
   return true;
 }
 
@@ -120,10 +125,10 @@ bool HwcReader::ReadCondition(TokenStream& statement) {
   if (statement.AtEnd() || command.empty() || parameter.empty()) return false;
   if (type == "SYMBOL") {
     const std::string_view symbol = statement.ReadWord();
-    return !symbol.empty() && block_->AddSymbolCondition(command, parameter, symbol);
+    return !symbol.empty() && header_->AddSymbolCondition(command, parameter, symbol);
   }
   std::int32_t value = 0;
-  return type == "INTEGER" && ReadNumber(statement, value) && block_->AddIntegerCondition(command, parameter, value);
+  return type == "INTEGER" && ReadNumber(statement, value) && header_->AddIntegerCondition(command, parameter, value);
 }
 
 bool HwcReader::ReadProperty(TokenStream& statement) {
@@ -132,11 +137,11 @@ bool HwcReader::ReadProperty(TokenStream& statement) {
   if (name.empty()) return false;
   if (type == "INTEGER") {
     std::int32_t number = 0;
-    return ReadNumber(statement, number) && caps_.AddProperty(name, Variant(number), CurrentBlock());
+    return ReadNumber(statement, number) && caps_.AddProperty(name, Variant(number), *block_);
   }
   if (type != "STRING") return false;
   const std::string_view text = statement.ReadWord();
-  return !text.empty() && caps_.AddProperty(name, Variant(std::string(text)), CurrentBlock());
+  return !text.empty() && caps_.AddProperty(name, Variant(std::string(text)), *block_);
 }
 
 bool HwcReader::ReadCommandValues(TokenStream& statement) {
@@ -153,7 +158,7 @@ bool HwcReader::ReadRange(TokenStream& statement, std::string_view command, std:
   std::int32_t low = 0;
   std::int32_t high = 0;
   return ReadNumber(statement, low) && ReadNumber(statement, high) &&
-         caps_.AddCommandValue(command, parameter, Variant(Range(low, high)), CurrentBlock());
+         caps_.AddCommandValue(command, parameter, Variant(Range(low, high)), *block_);
 }
 
 bool HwcReader::ReadSymbols(TokenStream& statement, std::string_view command, std::string_view parameter) {
@@ -169,7 +174,7 @@ bool HwcReader::ReadSymbols(TokenStream& statement, std::string_view command, st
   std::int32_t ignored = 0;
   for (const std::string& symbol : symbols)
     if (!format->GetSymbolValue(symbol, ignored)) return false;
-  return caps_.AddCommandValue(command, parameter, Variant(std::move(symbols)), CurrentBlock());
+  return caps_.AddCommandValue(command, parameter, Variant(std::move(symbols)), *block_);
 }
 
 /// Of two for a command the second one stands.

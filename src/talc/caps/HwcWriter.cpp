@@ -68,13 +68,13 @@ bool WriteValue(const Variant& value, std::ostream& stream) {
 
 bool WriteCommandValues(const TalcHWCaps& caps, const Block& block, std::ostream& stream) {
   stream << "\n\n# Command Values ;\n";
+  const Block* const own = caps.FindSameBlock(block);
   for (const auto& [command, parameters] : caps.AllCommandValues()) {
     for (const auto& [parameter, values] : parameters) {
-      for (const TalcHWCaps::CommandValue& each : values) {
-        if (!each.block->HasSameConditions(block)) continue;
-        stream << "\nCommandValues\t" << command << "\t" << parameter;
-        if (!WriteValue(each.value, stream)) return false;
-      }
+      const Variant* const value = values.Find(own);
+      if (value == nullptr) continue;
+      stream << "\nCommandValues\t" << command << "\t" << parameter;
+      if (!WriteValue(*value, stream)) return false;
     }
   }
   return true;

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-#include "dictionary/DefinedCommands.h"
+#include "talcpath.h"
 
 namespace TalcPathPrivate {
 namespace {
@@ -13,9 +13,10 @@ constexpr std::string_view kNoKeyname = "ERROR_ERROR_ERROR";
 
 }  // namespace
 
-HWCapsConditionBlock& TalcHWCaps::AppendBlock(Block block) {
-  blocks_.push_back(std::make_unique<Block>(std::move(block)));
-  return *blocks_.back();
+const HWCapsConditionBlock& TalcHWCaps::AppendBlock(Block block) {
+  const Block& own = *blocks_.emplace_back(std::make_unique<Block>(std::move(block)));
+  sameBlocks_.insert(&own);
+  return own;
 }
 
 const HWCapsConditionBlock* TalcHWCaps::FindBlock(std::string_view keyname) const {
@@ -26,10 +27,8 @@ const HWCapsConditionBlock* TalcHWCaps::FindBlock(std::string_view keyname) cons
 }
 
 const HWCapsConditionBlock* TalcHWCaps::FindSameBlock(const Block& block) const {
-  if (block.ConditionCount() == 0) return &defaultBlock_;
-  for (const auto& own : blocks_)
-    if (own->HasSameConditions(block)) return own.get();
-  return nullptr;
+  const auto same = sameBlocks_.find(&block);
+  return same == sameBlocks_.end() ? nullptr : *same;
 }
 
 std::string TalcHWCaps::KeynameOf(const Block& block) const {
@@ -37,21 +36,8 @@ std::string TalcHWCaps::KeynameOf(const Block& block) const {
   return own == nullptr ? std::string(kNoKeyname) : own->keyname;
 }
 
-TalcHWCaps::PropertyTable* TalcHWCaps::FindTable(const Block& block) {
-  for (PropertyTable& table : propertyTables_)
-    if (table.block->HasSameConditions(block)) return &table;
-  return nullptr;
-}
-
-TalcHWCaps::PropertyTable* TalcHWCaps::FindOrAddTable(const Block& block) {
-  if (PropertyTable* const table = FindTable(block)) return table;
-  const Block* const own = FindSameBlock(block);
-  return own == nullptr ? nullptr : &propertyTables_.emplace_back(PropertyTable{own, {}});
-}
-
 const TalcHWCaps::Properties* TalcHWCaps::PropertiesOf(const Block& block) const {
-  const PropertyTable* const table = const_cast<TalcHWCaps*>(this)->FindTable(block);
-  return table == nullptr ? nullptr : &table->properties;
+  return properties_.Find(FindSameBlock(block));
 }
 
 const Variant* TalcHWCaps::FindProperty(std::string_view name, const Block& block) const {
@@ -66,61 +52,58 @@ bool TalcHWCaps::AddProperty(std::string_view name, Variant value, const Block& 
 }
 
 bool TalcHWCaps::SetProperty(std::string_view name, Variant value, const Block& block) {
-  PropertyTable* const table = FindOrAddTable(block);
-  if (table == nullptr) return false;
-  table->properties.insert_or_assign(std::string(name), std::move(value));
+  const Block* const own = FindSameBlock(block);
+  if (own == nullptr) return false;
+  Properties* const stored = properties_.Find(own);
+  Properties& properties = stored != nullptr ? *stored : properties_.Add(own, {});
+  properties.insert_or_assign(std::string(name), std::move(value));
   return true;
 }
 
 void TalcHWCaps::RemoveProperty(std::string_view name, const Block& block) {
-  PropertyTable* const table = FindTable(block);
-  if (table == nullptr) return;
-  const auto property = table->properties.find(name);
-  if (property != table->properties.end()) table->properties.erase(property);
+  Properties* const properties = properties_.Find(FindSameBlock(block));
+  if (properties == nullptr) return;
+  const auto property = properties->find(name);
+  if (property != properties->end()) properties->erase(property);
 }
 
 std::size_t TalcHWCaps::OverallPropertyCount() const {
   std::size_t count = 0;
-  for (const PropertyTable& table : propertyTables_)
-    count += table.properties.size();
+  for (const auto& [properties, block] : properties_)
+    count += properties.size();
   return count;
 }
 
 bool TalcHWCaps::GetNthOverallProperty(std::size_t n, std::string& name, const Block*& block) const {
-  for (const PropertyTable& table : propertyTables_) {
-    if (n >= table.properties.size()) {
-      n -= table.properties.size();
+  for (const auto& [properties, owner] : properties_) {
+    if (n >= properties.size()) {
+      n -= properties.size();
       continue;
     }
-    name = std::next(table.properties.begin(), static_cast<std::ptrdiff_t>(n))->first;
-    block = table.block;
+    name = std::next(properties.begin(), static_cast<std::ptrdiff_t>(n))->first;
+    block = owner;
     return true;
   }
   return false;
 }
 
-TalcHWCaps::CommandValue* TalcHWCaps::FindStored(std::string_view command, std::string_view parameter,
-                                                 const Block& block) {
+Variant* TalcHWCaps::FindStored(std::string_view command, std::string_view parameter, const Block& block) {
   const auto parameters = commandValues_.find(command);
   if (parameters == commandValues_.end()) return nullptr;
   const auto values = parameters->second.find(parameter);
-  if (values == parameters->second.end()) return nullptr;
-  for (CommandValue& each : values->second)
-    if (each.block->HasSameConditions(block)) return &each;
-  return nullptr;
+  return values == parameters->second.end() ? nullptr : values->second.Find(FindSameBlock(block));
 }
 
 const Variant* TalcHWCaps::FindCommandValue(std::string_view command, std::string_view parameter,
                                             const Block& block) const {
-  const CommandValue* const stored = const_cast<TalcHWCaps*>(this)->FindStored(command, parameter, block);
-  return stored == nullptr ? nullptr : &stored->value;
+  return const_cast<TalcHWCaps*>(this)->FindStored(command, parameter, block);
 }
 
 bool TalcHWCaps::AddCommandValue(std::string_view command, std::string_view parameter, Variant value,
                                  const Block& block) {
   const Block* const own = FindSameBlock(block);
   if (own == nullptr || FindCommandValue(command, parameter, block) != nullptr) return false;
-  commandValues_[std::string(command)][std::string(parameter)].push_back({std::move(value), own});
+  commandValues_[std::string(command)][std::string(parameter)].Add(own, std::move(value));
   return true;
 }
 
@@ -135,8 +118,8 @@ bool TalcHWCaps::AddCmdParamSymbolValue(std::string_view command, std::string_vi
                                         std::string_view keyname) {
   const Block* const block = FindBlock(keyname);
   if (block == nullptr) return false;
-  CommandValue* const stored = FindStored(command, parameter, *block);
-  TextList* const symbols = stored == nullptr ? nullptr : stored->value.As<TextList>();
+  Variant* const stored = FindStored(command, parameter, *block);
+  TextList* const symbols = variant_cast<TextList>(stored);
   if (symbols == nullptr) {
     if (stored != nullptr) RemoveCommandValue(command, parameter, *block);
     return AddCommandValue(command, parameter, Variant(TextList{std::string(symbol)}), *block);
@@ -146,8 +129,7 @@ bool TalcHWCaps::AddCmdParamSymbolValue(std::string_view command, std::string_vi
 }
 
 void TalcHWCaps::RemoveCommandValue(std::string_view command, std::string_view parameter, const Block& block) {
-  std::vector<CommandValue>& values = commandValues_.find(command)->second.find(parameter)->second;
-  std::erase_if(values, [&](const CommandValue& each) { return each.block->HasSameConditions(block); });
+  commandValues_.find(command)->second.find(parameter)->second.Remove(FindSameBlock(block));
 }
 
 std::size_t TalcHWCaps::OverallCmdParamCount() const {
@@ -184,12 +166,9 @@ bool TalcHWCaps::GetNthOverride(std::size_t n, std::string& command, std::uint32
 }
 
 bool TalcHWCaps::ApplyOverrideTimeouts() const {
-  for (const auto& [command, milliseconds] : overrideTimeouts) {
-    CommandFormat* const format = FindDefinedCommand(command);
-    if (format == nullptr) return false;
-    format->SetOverrideTimeoutMillisec(milliseconds);
-  }
-  return true;
+  return std::all_of(overrideTimeouts.begin(), overrideTimeouts.end(), [](const auto& each) {
+    return TalcPath::SetOverrideTimeoutMillisec(each.first.c_str(), each.second);
+  });
 }
 
 }  // namespace TalcPathPrivate

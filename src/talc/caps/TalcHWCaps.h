@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "caps/BlockTable.h"
 #include "caps/ConditionBlock.h"
 #include "dictionary/Variant.h"
 
@@ -23,16 +25,12 @@ class TalcHWCaps {
   using Block = HWCapsConditionBlock;
   using Properties = std::map<std::string, Variant, std::less<>>;
 
-  /// A parameter's value under a block.
-  struct CommandValue {
-    Variant value;  ///< a `Range` or a `TextList`
-    const Block* block;
-  };
-  using ParameterValues = std::map<std::string, std::vector<CommandValue>, std::less<>>;
+  /// By parameter, a `Range` or a `TextList` under each block that has one.
+  using ParameterValues = std::map<std::string, BlockTable<Variant>, std::less<>>;
   using CommandValues = std::map<std::string, ParameterValues, std::less<>>;
   using OverrideTimeouts = std::map<std::string, std::uint32_t, std::less<>>;
 
-  TalcHWCaps() = default;
+  TalcHWCaps() { sameBlocks_.insert(&defaultBlock_); }
   TalcHWCaps(const TalcHWCaps&) = delete;
   TalcHWCaps& operator=(const TalcHWCaps&) = delete;
 
@@ -46,12 +44,10 @@ class TalcHWCaps {
   const Block& DefaultBlock() const { return defaultBlock_; }
   /// The others, in the order of the file.
   const std::vector<std::unique_ptr<Block>>& Blocks() const { return blocks_; }
-  Block& AppendBlock(Block block = {});
-  /// Takes the block away that was appended last; nothing may have been stored under it.
-  void RemoveLastBlock() { blocks_.pop_back(); }
+  const Block& AppendBlock(Block block = {});
   /// The default block for an empty name; null for one that no block has.
   const Block* FindBlock(std::string_view keyname) const;
-  /// The own block with these conditions, or null.
+  /// The first own block with these conditions, or null.
   const Block* FindSameBlock(const Block& block) const;
   /// The name of the own block with these conditions, or "ERROR_ERROR_ERROR", which is the name of none.
   std::string KeynameOf(const Block& block) const;
@@ -96,20 +92,19 @@ class TalcHWCaps {
   bool ApplyOverrideTimeouts() const;
 
  private:
-  struct PropertyTable {
-    const Block* block;
-    Properties properties;
+  struct ByConditions {
+    bool operator()(const Block* one, const Block* other) const { return one->CompareConditions(*other) < 0; }
   };
 
-  PropertyTable* FindTable(const Block& block);
-  PropertyTable* FindOrAddTable(const Block& block);
-  CommandValue* FindStored(std::string_view command, std::string_view parameter, const Block& block);
+  Variant* FindStored(std::string_view command, std::string_view parameter, const Block& block);
   /// A value that is there.
   void RemoveCommandValue(std::string_view command, std::string_view parameter, const Block& block);
 
   Block defaultBlock_;
   std::vector<std::unique_ptr<Block>> blocks_;
-  std::vector<PropertyTable> propertyTables_;
+  /// Of all own blocks with the same conditions the first one, which stands for them as a key of the tables.
+  std::set<const Block*, ByConditions> sameBlocks_;
+  BlockTable<Properties> properties_;
   CommandValues commandValues_;
 };
 

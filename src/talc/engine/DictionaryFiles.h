@@ -22,8 +22,7 @@ class ParseFileProcessor final : public TCDFileProcessor {
   bool Process(std::istream& stream, std::string_view name) override;
 };
 
-/// Hands each embedded block of a type to the processor, in the order in which the platform lists them. `isFound` is
-/// set at the first. A block that is empty or cannot be had ends the pass, which is a success.
+/// Hands each embedded block of a type to the processor, as `ReadTextBlocks` does.
 bool ProcessTextBlocks(std::string_view type, TCDFileProcessor& processor, bool& isFound);
 
 /// Hands each file "*.tcd" of a directory to the processor, in the order of the listing. False for a null path, and

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "caps/CapsState.h"
 #include "dictionary/DefinedCommands.h"
 #include "dictionary/Log.h"
 #include "engine/CommandLog.h"
@@ -23,6 +24,12 @@ struct LibraryState {
 };
 LibraryState library;
 
+/// Null when there is none.
+const char* DirectoryThatWasSet() {
+  const std::string* const directory = library.dictionaryDirectory.get();
+  return directory == nullptr || directory->empty() ? nullptr : directory->c_str();
+}
+
 /// The files of the working directory, then those of the directory that was set. A failure does not stop the other.
 bool ReadDirectories(TCDFileProcessor& processor) {
   bool isGood = true;
@@ -30,10 +37,10 @@ bool ReadDirectories(TCDFileProcessor& processor) {
     isGood = false;
     LogVerbose("\n\nTalcPath failed initializing while reading current directory");
   }
-  const std::string* const directory = library.dictionaryDirectory.get();
-  if (directory != nullptr && !directory->empty() && !ProcessDirectory(directory->c_str(), processor)) {
+  const char* const directory = DirectoryThatWasSet();
+  if (directory != nullptr && !ProcessDirectory(directory, processor)) {
     isGood = false;
-    LogVerbose("\n\nTalcPath failed initializing while reading directory : ", *directory);
+    LogVerbose("\n\nTalcPath failed initializing while reading directory : ", directory);
   }
   return isGood;
 }
@@ -52,6 +59,13 @@ bool HasCommands() {
   return table != nullptr && !table->empty();
 }
 
+/// Nothing carries commands to any hardware yet.
+bool ReadHardwareCapabilities() {
+  if (StartCapabilities(DirectoryThatWasSet(), nullptr)) return true;
+  LogAlways("\n\nTalcPath Hardware Capabilities FAILED to initialize!!!!!!!");
+  return false;
+}
+
 bool Start() {
   ParseFileProcessor parser;
   LogVerbose("\n<-> Initializing TalcPath...\n");
@@ -60,7 +74,9 @@ bool Start() {
     LogAlways("\n\nTalcPath Initialization failed to find any Talc commands!!!!!!!");
     isGood = false;
   }
-  // Spelled so, and written also after a failure above: those who read logs look for this line.
+  if (isGood && !ReadHardwareCapabilities()) return false;
+  // Spelled so, and written also after a failure above, when there was nothing to initialize: those who read logs look
+  // for this line.
   LogVerbose("\n\nTalcPath initialized Hardware Capabilites");
   return isGood;
 }
@@ -112,6 +128,8 @@ bool TalcPathTerminate() {
   if (--library.initCount != 0) return true;
   if (!library.terminatedCleanly) return false;
   TalcPathCloseCommandLog();
+  TalcPathPrivate::FreeCapsManager();
+  if (!TalcPathPrivate::StopCapabilities()) library.terminatedCleanly = false;
   // One list for all three, each of which empties it first: what the first one found shows in the result alone.
   TalcPathPrivate::ErrorList errors;
   if (!TalcPathPrivate::DeleteDefinedCommands(errors)) library.terminatedCleanly = false;

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <typeinfo>
 
+#include "talccapsmanager.h"
+
 // Behind the handles; of no concern to users.
 namespace TalcPathPrivate {
 class ByteCodeCompiler;
