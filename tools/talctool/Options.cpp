@@ -21,6 +21,18 @@ void AddCommonOptions(CLI::App& app, Options& options) {
       "Let the library tell each step of each packet, too");
 }
 
+bool IsGroup(const Call& call) {
+  return call.run == nullptr && call.runOnFile == nullptr && call.runOnFileAlone == nullptr;
+}
+
+/// A call of a group goes by its second word.
+CLI::App& AddCommand(CLI::App& app, const Call& call) {
+  const std::string name = call.name;
+  const std::size_t blank = name.find(' ');
+  if (blank == std::string::npos) return *app.add_subcommand(name, call.help);
+  return *app.get_subcommand(name.substr(0, blank))->add_subcommand(name.substr(blank + 1), call.help);
+}
+
 }  // namespace
 
 std::optional<int> ReadOptions(int argc, char** argv, std::span<const Call> calls, Options& options) {
@@ -31,10 +43,14 @@ std::optional<int> ReadOptions(int argc, char** argv, std::span<const Call> call
   app.fallthrough();
   AddCommonOptions(app, options);
   for (const Call& call : calls) {
-    CLI::App* const command = app.add_subcommand(call.name, call.help);
-    command->callback([&options, &call] { options.call = &call; });
+    CLI::App& command = AddCommand(app, call);
+    if (IsGroup(call)) {
+      command.require_subcommand(1);
+      continue;
+    }
+    command.callback([&options, &call] { options.call = &call; });
     if (call.fileOption != nullptr)
-      command->add_option(call.fileOption, options.file, "The file to read")->type_name("FILE")->required();
+      command.add_option(call.fileOption, options.file, "The file to read")->type_name("FILE")->required();
   }
 
   try {

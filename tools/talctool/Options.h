@@ -9,14 +9,20 @@
 
 class Dictionary;
 
-/// One thing that the tool can be called for. `run` prints to std::cout; it throws std::exception when the work failed.
+/// One thing that the tool can be called for. What is run prints to std::cout; it throws std::exception when the work
+/// failed. A call without anything to run is a group; those behind it whose names begin with its own are its calls:
+///
+///     {"crc", "Work on trailers"}, {"crc add", "Write one", nullptr, "FILE", nullptr, AddCrc}
 struct Call {
   const char* name;
   const char* help;
-  void (*run)(const Dictionary& dictionary);
-  /// For a call on a file, in place of `run`: the option that names the file, and what is done with its text.
+  void (*run)(const Dictionary& dictionary) = nullptr;
+  /// For a call on a file, in place of `run`: the option or the argument that names the file, and what is done with its
+  /// text.
   const char* fileOption = nullptr;
   void (*runOnFile)(const Dictionary& dictionary, const std::string& path, const std::string& text) = nullptr;
+  /// The same for a call that needs no dictionary.
+  void (*runOnFileAlone)(const std::string& path) = nullptr;
 };
 
 /// A command line that has been understood.

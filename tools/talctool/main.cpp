@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "CapsReport.h"
+#include "CrcReport.h"
 #include "DefinitionReport.h"
 #include "DefinitionText.h"
 #include "Dictionary.h"
@@ -27,13 +28,22 @@ constexpr Call kCalls[] = {
     {"compile", "Make packets of the commands on standard input, lines of JSON", CompileLines},
     {"decompile", "Read the reply packets on standard input, lines of JSON", DecompileLines},
     {"text", "Read the statements on standard input, lines of JSON", StatementLines},
+    {"crc", "Write or check the integrity trailer of a dictionary file"},
+    {"crc add", "Write a trailer behind what the file holds", nullptr, "FILE", nullptr, AddCrc},
+    {"crc check", "Tell whether the file's last trailer is valid, as a line of JSON", nullptr, "FILE", nullptr,
+     CheckCrc},
     {"caps", "Tell what a capabilities file holds, as lines of JSON", nullptr, "--hwc", ReportCapabilities},
 };
 
 void Work(const Options& options, const std::vector<DictionaryText>& texts, const std::string& fileText) {
   const LogLines log(options.detail);
-  const Dictionary dictionary(texts);
   const Call& call = *options.call;
+  if (call.runOnFileAlone != nullptr) {
+    call.runOnFileAlone(options.file);
+    FinishOutput();
+    return;
+  }
+  const Dictionary dictionary(texts);
   if (call.fileOption == nullptr)
     call.run(dictionary);
   else

@@ -1,6 +1,5 @@
 #include "engine/Library.h"
 
-#include <exception>
 #include <memory>
 #include <string>
 
@@ -81,17 +80,6 @@ bool Start() {
   return isGood;
 }
 
-bool StartCatchingAll() {
-  try {
-    return Start();
-  } catch (const std::exception& error) {
-    LogAlways("\n\nException while Initializing TalcPath : ", error.what());
-  } catch (...) {
-    LogAlways("\n\nUnknown Exception while Initializing TalcPath : ");
-  }
-  return false;
-}
-
 }  // namespace
 
 bool IsInitialized() {
@@ -114,7 +102,7 @@ bool TalcPathInit() {
     LogAlways("\n<-> ERROR TalcPath did not terminate cleanly!\n");
     return false;
   }
-  if (!TalcPathPrivate::StartCatchingAll()) {
+  if (!TalcPathPrivate::RunCatchingAll(TalcPathPrivate::Start)) {
     LogAlways("\n>>> FAILED to initialize TalcPath <<<");
     return false;
   }

@@ -240,6 +240,11 @@ bool TalcPathInit();
 bool TalcPathTerminate();
 /// A further directory for dictionaries, to be set before the start. True unless the text is null or empty.
 bool TalcPathSetDirectory(const char* directory);
+/// Writes an integrity trailer, a checksum, behind each dictionary file "*.tcd" of the working directory and of a
+/// further one, which may be null. A file that has a trailer gets another one behind it. Switches the verbose lines on,
+/// for good. False when a file could not be opened or written, which ends its directory's turn; the log names the
+/// directory.
+bool TalcPathGenerateCRCs(const char* directory);
 
 // ---- Log ----
 
