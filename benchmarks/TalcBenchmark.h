@@ -14,5 +14,8 @@ void PrintStartRatios(const FastestReporter& reporter);
 void AddCapsBenchmarks();
 void PrintCapsRatios(const FastestReporter& reporter);
 
+void AddExecuteBenchmarks();
+void PrintExecuteRatios(const FastestReporter& reporter);
+
 void AddPacketBenchmarks();
 void PrintPacketRatios(const FastestReporter& reporter);

@@ -15,11 +15,13 @@ int main(int argc, char** argv) {
   AddStartBenchmarks();
   AddCapsBenchmarks();
   AddPacketBenchmarks();
+  AddExecuteBenchmarks();
   FastestReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   std::printf("\n");
   PrintStartRatios(reporter);
   PrintCapsRatios(reporter);
   PrintPacketRatios(reporter);
+  PrintExecuteRatios(reporter);
   return TalcPath::TalcPathTerminate() ? 0 : 1;
 }

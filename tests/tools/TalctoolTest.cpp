@@ -64,7 +64,6 @@ TEST_F(Talctool, ExitsWith2AndALineOnBadUsage) {
       {"crc", "check", "absent.tcd"},
       {"caps"},
       {"caps", "--hwc", "absent.hwc"},
-      {"meta"},
   };
   for (const auto& arguments : badUsages) {
     const auto run = Run(arguments);

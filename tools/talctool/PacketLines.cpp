@@ -1,8 +1,10 @@
 #include "PacketLines.h"
 
 #include <exception>
+#include <utility>
 
 #include "Dictionary.h"
+#include "engine/MetaCommandByteCodeProcessor.h"
 #include "Hex.h"
 #include "JsonLines.h"
 #include "JsonValues.h"
@@ -61,6 +63,21 @@ Json AnswerCompile(const Json& question) {
   return AnswerOrException([&] { return Compiled(command); });
 }
 
+Json CompiledMeta(TalcCommand& command) {
+  TalcPathPrivate::MetaCommandByteCodeProcessor processor(command);
+  if (!processor.Compile()) return {{"ok", false}};
+  Json packets = Json::array();
+  for (const auto& pair : processor.Pairs())
+    packets.push_back(HexOf(pair->packet));
+  return {{"ok", true}, {"packets", std::move(packets)}};
+}
+
+Json AnswerMeta(const Json& question) {
+  TalcCommand command(TextMember(question, "name"));
+  SetValues(command, Member(question, "values"));
+  return AnswerOrException([&] { return CompiledMeta(command); });
+}
+
 Json AnswerDecompile(const Json& question) {
   TalcCommand command = CommandOf(question);
   const auto reply = FromHex(TextMember(question, "reply"));
@@ -76,6 +93,11 @@ Json AnswerDecompile(const Json& question) {
 void CompileLines(const Dictionary& dictionary) {
   dictionary.RequireCommands();
   AnswerLines(AnswerCompile);
+}
+
+void MetaLines(const Dictionary& dictionary) {
+  dictionary.RequireCommands();
+  AnswerLines(AnswerMeta);
 }
 
 void DecompileLines(const Dictionary& dictionary) {

@@ -26,6 +26,7 @@ constexpr Call kCalls[] = {
     {"header", "Write the definitions as a C header", WriteHeader},
     {"dump", "Write the definitions for people", DumpDefinitions},
     {"compile", "Make packets of the commands on standard input, lines of JSON", CompileLines},
+    {"meta", "Make all packets of the meta commands on standard input, lines of JSON", MetaLines},
     {"decompile", "Read the reply packets on standard input, lines of JSON", DecompileLines},
     {"text", "Read the statements on standard input, lines of JSON", StatementLines},
     {"crc", "Write or check the integrity trailer of a dictionary file"},

@@ -8,6 +8,7 @@
 #include "dictionary/Log.h"
 #include "engine/CommandLog.h"
 #include "engine/DictionaryFiles.h"
+#include "engine/Transports.h"
 #include "talcpath.h"
 
 using TalcPathPrivate::LogAlways;
@@ -58,9 +59,8 @@ bool HasCommands() {
   return table != nullptr && !table->empty();
 }
 
-/// Nothing carries commands to any hardware yet.
 bool ReadHardwareCapabilities() {
-  if (StartCapabilities(DirectoryThatWasSet(), nullptr)) return true;
+  if (StartCapabilities(DirectoryThatWasSet(), TalcPath::TalcPathExecute)) return true;
   LogAlways("\n\nTalcPath Hardware Capabilities FAILED to initialize!!!!!!!");
   return false;
 }
@@ -116,6 +116,7 @@ bool TalcPathTerminate() {
   if (--library.initCount != 0) return true;
   if (!library.terminatedCleanly) return false;
   TalcPathCloseCommandLog();
+  TalcPathPrivate::ForgetTransports();
   TalcPathPrivate::FreeCapsManager();
   if (!TalcPathPrivate::StopCapabilities()) library.terminatedCleanly = false;
   // One list for all three, each of which empties it first: what the first one found shows in the result alone.

@@ -229,6 +229,115 @@ class TalcByteCode {
   std::uint32_t size_ = 0;
 };
 
+// ---- Transports ----
+
+/// The road to hardware, which a program supplies. The operations stand in the order of their slots.
+class TalcTransport {
+ public:
+  /// For the transport's own program; the library calls neither.
+  virtual void Attached() {}
+  virtual void Detached() {}
+  /// Sends the packet, waits for the reply and stores it. `timeoutMillisec` 0 is the transport's own time-out. False
+  /// when it did not work; a reply that says why may be left all the same, and is looked at. What is thrown here passes
+  /// through the library, which holds no lock then.
+  virtual bool Exchange(const char* commandName, const TalcByteCode& packet, TalcByteCode& reply,
+                        std::uint32_t timeoutMillisec) = 0;
+  /// Is called behind each command that succeeded.
+  virtual void CommandCompleted(const TalcCommand& command) = 0;
+  /// The library holds the lock of the current transport while it executes a command, also one for another transport.
+  /// A meta command's packets are sent under the lock of the command, so that the same thread may take it twice.
+  virtual void Lock() = 0;
+  virtual void Unlock() = 0;
+  /// The library destroys no transport.
+  virtual ~TalcTransport() = default;
+};
+
+/// Holds a transport's lock while it lives; does nothing for null.
+class StackBasedMutexCaller {
+ public:
+  explicit StackBasedMutexCaller(TalcTransport* transport);
+  StackBasedMutexCaller(const StackBasedMutexCaller&) = delete;
+  StackBasedMutexCaller& operator=(const StackBasedMutexCaller&) = delete;
+  virtual ~StackBasedMutexCaller();
+
+ private:
+  TalcTransport* transport_;
+};
+
+/// Keeps the transport under the number that commands name it by, until it is unregistered or the library stops: so
+/// long it must live. It becomes the current one in any case, also when the answer is false: for null, and for a number
+/// that is taken.
+bool TalcPathRegisterTransport(TalcTransport* transport, std::uint32_t id);
+/// Forgets the transport of that number, and if `transport` is the current one, leaves none. False for null and before
+/// the first registration; true for a number that nobody has.
+bool TalcPathUnregisterTransport(TalcTransport* transport, std::uint32_t id);
+/// Makes a transport the current one; null is none. Then asks the hardware behind it what it is, and puts the time-outs
+/// of its capabilities in force, in place of all that were set. False, and nothing done, for a transport that is not
+/// registered, unless none ever was.
+bool TalcPathSelectTransport(TalcTransport* transport);
+/// Null when there is none.
+TalcTransport* TalcPathGetTransport();
+/// Null for 0 and for a number that nobody has.
+TalcTransport* TalcPathGetTransportById(std::uint32_t id);
+std::uint32_t TalcPathGetTransportCount();
+/// Counts from 1, in the order of the numbers. Null beyond the last; else `id`, which may be null, gets the number.
+TalcTransport* TalcPathGetNthTransport(std::uint32_t n, std::uint32_t* id);
+
+// ---- Execution ----
+
+/// Takes a command to the hardware and back: compiles it, hands the packet to the command's transport, reads the reply.
+/// True when that worked and the command succeeded; its status tells the rest. False, with the status as it was, when
+/// there is no current transport or none of the command's number. A diagnostic command is refused with
+/// `kTPAttemptedToExecuteDiagCommand`. A meta command's answer is true once its packets went through, whatever its
+/// status is; as long as exchanges carry no name (see below), none does.
+bool TalcPathExecute(TalcCommand& command);
+/// Hands a packet to the current transport. `reply` may be null. True when it was sent and the reply says success.
+/// Refuses, without a word to the transport, a packet that has no name.
+bool TalcPathSendPacket(const char* commandName, const TalcByteCode& packet, TalcByteCode* reply,
+                        std::uint32_t timeoutMillisec);
+
+// ---- Observers of the execution ----
+// Lists of objects that the library calls while it executes commands, until they are removed. They outlast a stop of
+// the library. Adding answers false for null and for an object that is in the list already; removing, for one that is
+// not. An observer may remove any observer, itself too, while it is called. Their operations stand in the order of the
+// slots.
+
+/// Sees each command once its packet is made, before anything is sent.
+class TalcPreCompileObserver {
+ public:
+  virtual ~TalcPreCompileObserver() = default;
+  /// Clearing `proceed` stops the command; it counts as a success then when `result` stands, as it does at first.
+  virtual void BeforeSending(TalcCommand& command, bool& proceed, bool& result) = 0;
+};
+bool TalcPathAddPreCompileObserver(TalcPreCompileObserver* observer);
+bool TalcPathRemovePreCompileObserver(TalcPreCompileObserver* observer);
+
+/// Sees each packet before the transport does, in ascending order of keys, those of one key in the order in which they
+/// were added.
+class TalcExchangeObserver {
+ public:
+  virtual ~TalcExchangeObserver() = default;
+  /// Clearing `proceed` keeps the packet from the transport and from the observers behind. The reply is read then as if
+  /// it had come from the hardware, unless `handled` is cleared, too: then the command succeeds as it is.
+  virtual void BeforeExchange(TalcCommand& command, const TalcByteCode& packet, TalcByteCode& reply, bool& proceed,
+                              bool& handled, TalcTransport& transport) = 0;
+  /// For the observer's own program; the library does not call it.
+  virtual void Detached() {}
+  /// Is asked for when an observer is added.
+  virtual int GetKey() const = 0;
+};
+bool TalcPathAddExchangeObserver(TalcExchangeObserver* observer);
+bool TalcPathRemoveExchangeObserver(TalcExchangeObserver* observer);
+
+/// Sees each command that succeeded.
+class TalcCompletionObserver {
+ public:
+  virtual ~TalcCompletionObserver() = default;
+  virtual void AfterCompletion(TalcCommand& command) = 0;
+};
+bool TalcPathAddCompletionObserver(TalcCompletionObserver* observer);
+bool TalcPathRemoveCompletionObserver(TalcCompletionObserver* observer);
+
 // ---- Start and stop ----
 
 /// Reads the dictionaries: those embedded in the program or, when there are none, the files "*.tcd" of the working
@@ -284,8 +393,29 @@ bool IsDiagCommandFormat(const TalcCommand& command);
 /// In milliseconds; 0 is the transport's default.
 std::uint32_t GetOverrideTimeoutMillisec(const TalcCommand& command);
 bool SetOverrideTimeoutMillisec(const char* commandName, std::uint32_t milliseconds);
+/// Where the parameter's value lies in the packet, in bytes from the packet's first; -1 when there is no such parameter
+/// and for one whose length is that of its value. For a command of variable length the values that are there decide,
+/// and one that is missing makes the answer false.
+bool GetParameterOffset(const TalcCommand& command, const char* parameterName, std::int32_t* offset);
 /// Fills `buffer` with zeros, then copies the parameter's type word. The size must be 8 or more, and above the word's
 /// length plus 1.
 bool LookupParameterType(const char* commandName, const char* parameterName, std::uint32_t bufferSize, char* buffer);
+/// The number of one of the definition's symbols.
+bool GetSymbolValue(const TalcCommand& command, const char* symbol, std::int32_t* value);
+bool GetSymbolValue(const char* commandName, const char* symbol, std::int32_t* value);
+
+// ---- Questions about values ----
+
+/// The value of an integer parameter, sign-extended where its type has a sign; of a symbol its number. False for
+/// `BYTES` and for a value that the command does not have. Throws `bad_variant_cast` for one of another kind than its
+/// type.
+bool ExtractDataParameterAsInt64(const TalcCommand& command, const char* parameterName, std::int64_t* value);
+/// Whether the parameter's value is that symbol: by name for a symbol, else by number, in the parameter's own width.
+bool IsParameterEqualToSymbol(const TalcCommand& command, const char* parameterName, const char* symbol);
+/// Stores -1, 0 or 1. Numbers are compared with their sign, those of `UINT64` too.
+bool CompareParameters(const TalcCommand& left, const char* leftName, const TalcCommand& right, const char* rightName,
+                       std::int32_t* order);
+/// True when both can be compared and are equal.
+bool AreParametersEqual(const TalcCommand& left, const char* leftName, const TalcCommand& right, const char* rightName);
 
 }  // namespace TalcPath
