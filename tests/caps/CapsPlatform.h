@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -75,6 +77,11 @@ class CapsFiles final : public platform::Files {
   Lines asked_;
 };
 
+inline constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+inline constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+/// What an out value holds before it is asked for.
+inline constexpr std::int32_t kUntouched = 7777;
+
 /// A dictionary, a log, and a platform from which capabilities can be started; they are stopped around each test.
 ///
 ///     StartWith("Property P INTEGER 1 ;").GetPropertyCount();   // 1
@@ -94,6 +101,17 @@ class CapsPlatformTest : public CapsTest {
     blocks_.Add("T.hwc", "HardwareType T ;" + text);
     EXPECT_TRUE(Start()) << log();
     return TalcPath::TalcHWCapsManager::GetByName("T");
+  }
+  /// Conditions of a block, as capabilities of a test have them.
+  static TalcPath::TalcHWCapsCondition Side(std::int32_t value) {
+    TalcPath::TalcHWCapsCondition condition;
+    EXPECT_TRUE(condition.AddIntegerCondition("Video", "Side", value));
+    return condition;
+  }
+  static TalcPath::TalcHWCapsCondition Both() {
+    TalcPath::TalcHWCapsCondition condition = Side(2);
+    EXPECT_TRUE(condition.AddSymbolCondition("Audio", "Level", "Loud"));
+    return condition;
   }
   static void Stop() {
     TalcPathPrivate::StopCapabilities();

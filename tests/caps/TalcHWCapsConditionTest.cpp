@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
 
 #include "CapsPlatform.h"
@@ -12,14 +11,13 @@
 namespace {
 
 using caps_test::GuardedBuffer;
+using caps_test::kHighest;
+using caps_test::kLowest;
+using caps_test::kUntouched;
 using caps_test::Lines;
 using TalcPath::TalcHWCapsCondition;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kUntouched = 7777;
 
 /// What a query for the nth condition gives into buffers of those sizes.
 struct Nth {

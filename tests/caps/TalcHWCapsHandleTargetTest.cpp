@@ -13,11 +13,11 @@
 namespace {
 
 using caps_test::GuardedBuffer;
+using caps_test::kUntouched;
 using TalcPath::TalcHWCapsCondition;
 using TalcPath::TalcHWCapsHandle;
 using TalcPath::TalcHWCapsManager;
 
-constexpr std::int32_t kUntouched = 7777;
 constexpr std::uint32_t kUntouchedCount = 7777;
 
 /// Something that every query could find, in the default block and under the block "One".

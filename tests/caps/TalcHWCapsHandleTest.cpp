@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
 
 #include "CapsPlatform.h"
@@ -14,16 +13,15 @@
 namespace {
 
 using caps_test::GuardedBuffer;
+using caps_test::kHighest;
+using caps_test::kLowest;
+using caps_test::kUntouched;
 using caps_test::Lines;
 using TalcPath::TalcHWCapsCondition;
 using TalcPath::TalcHWCapsHandle;
 using TalcPath::TalcHWCapsManager;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kUntouched = 7777;
 
 /// Properties of both kinds in the default block, others under the one condition of "One" and the two of "Both".
 constexpr const char* kProperties =
@@ -37,16 +35,6 @@ constexpr const char* kProperties =
 
 class TalcHWCapsHandleTest : public caps_test::CapsPlatformTest {
  protected:
-  static TalcHWCapsCondition Side(std::int32_t value) {
-    TalcHWCapsCondition condition;
-    EXPECT_TRUE(condition.AddIntegerCondition("Video", "Side", value));
-    return condition;
-  }
-  static TalcHWCapsCondition Both() {
-    TalcHWCapsCondition condition = Side(2);
-    EXPECT_TRUE(condition.AddSymbolCondition("Audio", "Level", "Loud"));
-    return condition;
-  }
   static Lines NamesOf(const TalcHWCapsHandle& caps, const TalcHWCapsCondition* condition = nullptr) {
     Lines names;
     char name[32];

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
 
 #include "CapsPlatform.h"
@@ -14,12 +13,11 @@
 namespace {
 
 using caps_test::GuardedBuffer;
+using caps_test::kHighest;
+using caps_test::kLowest;
+using caps_test::kUntouched;
 using TalcPath::TalcHWCapsCondition;
 using TalcPath::TalcHWCapsHandle;
-
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t kUntouched = 7777;
 
 /// A range and a list in the default block, and under two conditions the other way round.
 constexpr const char* kValues =
@@ -31,16 +29,6 @@ constexpr const char* kValues =
 
 class TalcHWCapsHandleValuesTest : public caps_test::CapsPlatformTest {
  protected:
-  static TalcHWCapsCondition Side(std::int32_t value) {
-    TalcHWCapsCondition condition;
-    EXPECT_TRUE(condition.AddIntegerCondition("Video", "Side", value));
-    return condition;
-  }
-  static TalcHWCapsCondition Both() {
-    TalcHWCapsCondition condition = Side(2);
-    EXPECT_TRUE(condition.AddSymbolCondition("Audio", "Level", "Loud"));
-    return condition;
-  }
   /// "-10..20", or "none"
   static std::string RangeOf(const TalcHWCapsHandle& caps, const char* command, const char* parameter,
                              const TalcHWCapsCondition* condition = nullptr) {
