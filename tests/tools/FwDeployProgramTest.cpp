@@ -41,4 +41,19 @@ TEST(FwDeployProgram, CannotBeLedToASimulation) {
   EXPECT_EQ(run.standardError.rfind(kNoHardwareStart, 0), 0u) << run.standardError;
 }
 
+TEST(FwDeployProgram, ReadsCapabilitiesFromTheFolderOnlyWhenTheEnvironmentSaysSo) {
+  const test_support::TempFolder folder;
+  folder.Write("bad.hwc", "Nonsense ;");
+  const std::string place = folder.Path().string();
+  EXPECT_EQ(RunFwDeploy({"-nopause"}, place).standardError.rfind(kNoHardwareStart, 0), 0u);
+  const ProcessResult run =
+      RunProcess(FWDEPLOY_PROGRAM, {"-nopause"}, {.workingDirectory = place, .environment = {"TALCPATHREADDIRS=TRUE"}});
+  EXPECT_EQ(run.exitCode, 255);
+  EXPECT_EQ(run.standardOutput,
+            "\n\nERROR - Failed To Successfully parse Hardware Capabilities file : ./bad.hwc"
+            "\n\nTalcPath Hardware Capabilities FAILED to initialize!!!!!!!"
+            "\n>>> FAILED to initialize TalcPath <<<");
+  EXPECT_EQ(run.standardError.rfind("FwDeploy failed: TalcPath Failed to initialize.", 0), 0u) << run.standardError;
+}
+
 }  // namespace
