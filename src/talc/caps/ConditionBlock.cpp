@@ -51,11 +51,11 @@ std::strong_ordering HWCapsConditionBlock::CompareConditions(const HWCapsConditi
   // The maps are in the order of their names, so that equal ones go side by side.
   const auto compareRecords = [](const auto& record, const auto& otherRecord) {
     const auto names = record.first <=> otherRecord.first;
-    return names != 0 ? names : record.second.value <=> otherRecord.second.value;
+    return std::is_neq(names) ? names : record.second.value <=> otherRecord.second.value;
   };
   const auto compareCommands = [&](const auto& command, const auto& otherCommand) {
     const auto names = command.first <=> otherCommand.first;
-    if (names != 0) return names;
+    if (std::is_neq(names)) return names;
     return std::lexicographical_compare_three_way(command.second.begin(), command.second.end(),
                                                   otherCommand.second.begin(), otherCommand.second.end(),
                                                   compareRecords);

@@ -38,7 +38,7 @@ class HWCapsConditionBlock {
   const Commands& Conditions() const { return commands_; }
 
   /// The same parameters with the same numbers. Neither the name of the block counts, nor those of symbols.
-  bool HasSameConditions(const HWCapsConditionBlock& other) const { return CompareConditions(other) == 0; }
+  bool HasSameConditions(const HWCapsConditionBlock& other) const { return std::is_eq(CompareConditions(other)); }
   /// An order in which those with the same conditions are equal.
   std::strong_ordering CompareConditions(const HWCapsConditionBlock& other) const;
 

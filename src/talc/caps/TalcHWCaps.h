@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -93,7 +94,7 @@ class TalcHWCaps {
 
  private:
   struct ByConditions {
-    bool operator()(const Block* one, const Block* other) const { return one->CompareConditions(*other) < 0; }
+    bool operator()(const Block* one, const Block* other) const { return std::is_lt(one->CompareConditions(*other)); }
   };
 
   Variant* FindStored(std::string_view command, std::string_view parameter, const Block& block);

@@ -107,7 +107,7 @@ bool ExtractDataParameterAsInt64(const TalcCommand& command, const char* paramet
   return parameter->dataType.WithInteger(
       [&]<typename T>(std::type_identity<T>) {
         const T* const held = FindExactly<T>(command, parameterName);
-        if (held != nullptr) *value = static_cast<std::int64_t>(*held);
+        if (held != nullptr) *value = static_cast<std::int64_t>(+*held);  // widened with its own sign first
         return held != nullptr;
       },
       false);
