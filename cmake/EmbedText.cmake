@@ -1,14 +1,26 @@
-# Writes a C++ source that holds files as named blocks of text, for the platform's TextBlocks.
+# Writes a source that holds files as named blocks of text, for the platform's TextBlocks.
 #
-#   cmake -DOUTPUT=FILE.cpp -DINPUTS=a.tcd,b.tcd -P EmbedText.cmake
+#   cmake -DOUTPUT=FILE.cpp -DINPUTS=a.tcd,b.tcd -P EmbedText.cmake     constants of C++
+#   cmake -DOUTPUT=FILE.rc -DINPUTS=a.tcd,b.tcd -P EmbedText.cmake      resources of a Windows program
 #
 # A block's name is its file's name without the ending, which tells the type. Blocks stand in the order of INPUTS.
 set(type_of_.tcd RT_TCD_FILE)
 set(type_of_.hwc RT_HWC_FILE)
 
+string(REPLACE "," ";" inputs "${INPUTS}")
+if(OUTPUT MATCHES "[.]rc$")
+  set(rows "")
+  foreach(input IN LISTS inputs)
+    get_filename_component(name ${input} NAME_WLE)
+    get_filename_component(ending ${input} LAST_EXT)
+    string(APPEND rows "${name} ${type_of_${ending}} \"${input}\"\n")
+  endforeach()
+  file(WRITE ${OUTPUT} "${rows}")
+  return()
+endif()
+
 set(arrays "")
 set(rows "")
-string(REPLACE "," ";" inputs "${INPUTS}")
 foreach(input IN LISTS inputs)
   get_filename_component(name ${input} NAME_WLE)
   get_filename_component(ending ${input} LAST_EXT)
