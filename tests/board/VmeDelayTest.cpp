@@ -1,6 +1,4 @@
 #include <gmock/gmock.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <string>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include "board/VmeDelay.h"
+#include "support/CapturedOutput.h"
 #include "support/VmeTrace.h"
 
 namespace {
@@ -133,20 +132,9 @@ TEST(VmeDelayInFiles, TakesBothFormsOfAWait) {
 }
 
 TEST(PrintToConsole, IsSeenAtOnce) {
-  std::fflush(stdout);
-  const int saved = dup(STDOUT_FILENO);
-  const int file = memfd_create("console", MFD_CLOEXEC);
-  ASSERT_GE(saved, 0);
-  ASSERT_GE(file, 0);
-  ASSERT_GE(dup2(file, STDOUT_FILENO), 0);
+  const test_support::CapturedOutput captured;
   PrintToConsole("10%\nhalf a line, and a %d that is none");
-  char seen[64] = {};
-  EXPECT_GT(pread(file, seen, sizeof seen - 1, 0), 0);
-  std::fflush(stdout);
-  dup2(saved, STDOUT_FILENO);
-  close(saved);
-  close(file);
-  EXPECT_STREQ(seen, "10%\nhalf a line, and a %d that is none");
+  EXPECT_EQ(captured.OutUnflushed(), "10%\nhalf a line, and a %d that is none");
 }
 
 }  // namespace

@@ -76,13 +76,17 @@ TEST(ReadRbiHeader, LeavesNoneAndOneLineForAForeignFile) {
   }
 }
 
-TEST(ReadRbiHeader, TakesAFolderForAForeignFile) {
+TEST(ReadRbiHeader, TakesNoFolderForAContainer) {
   const test_support::TempFolder folder;
   const std::string name = folder.Path().string();
   const Read read = ReadFile(name);
   EXPECT_FALSE(read.done);
   EXPECT_EQ(read.partId, "NONE");
+#if defined(_WIN32)  // where a folder is not opened at all
+  EXPECT_EQ(read.error, "Unable to open file " + name + "\n");
+#else
   EXPECT_EQ(read.error, "File " + name + " missing RBI file header\n");
+#endif
 }
 
 struct Cut {
@@ -171,6 +175,7 @@ TEST_F(RbiHeaderLengthInAFile, IsRefusedWhereTheFileEndsInsideIt) {
   }
 }
 
+#if !defined(_WIN32)  // where seeking in a pipe is undefined
 TEST_F(RbiHeaderLengthInAFile, IsRefusedWhereTheFileCannotBeSought) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
@@ -181,5 +186,6 @@ TEST_F(RbiHeaderLengthInAFile, IsRefusedWhereTheFileCannotBeSought) {
   EXPECT_FALSE(ReadRbiHeaderLength(file.get(), lengthBytes_));
   EXPECT_EQ(lengthBytes_, kUntouched);
 }
+#endif
 
 }  // namespace

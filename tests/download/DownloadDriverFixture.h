@@ -1,8 +1,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -18,6 +16,7 @@
 #include "download/DownloadDriver.h"
 #include "ScriptedTarget.h"
 #include "support/CapturedOutput.h"
+#include "support/OpenDescriptors.h"
 #include "support/PlatformDouble.h"
 #include "support/RecordingFrontEnd.h"
 #include "support/ScopedWorkingFolder.h"
@@ -53,7 +52,7 @@ class DownloadDriverFixture : public testing::Test {
     location.part = &part;
     target = std::make_unique<ScriptedTarget>(script, clock, [this](const std::string& call) {
       Note(call);
-      if (call.starts_with("StartDownload")) descriptorsWhileSending = OpenDescriptors();
+      if (call.starts_with("StartDownload")) descriptorsWhileSending = test_support::OpenDescriptors();
     });
     DownloadDriver(progress, location, estimateMicroseconds, *target);
     NoteOutput();
@@ -78,11 +77,6 @@ class DownloadDriverFixture : public testing::Test {
     std::filesystem::resize_file(folder.File(kFileName), sizeBytes);
   }
 
-  static std::size_t OpenDescriptors() {
-    const std::filesystem::directory_iterator all("/proc/self/fd");
-    return static_cast<std::size_t>(std::distance(begin(all), end(all)));
-  }
-
   test_support::ManualClock clock;
   test_support::RecordingFrontEnd frontEnd;
   test_support::PlatformDouble system;
@@ -104,16 +98,9 @@ class DownloadDriverFixture : public testing::Test {
   }
 
   void NoteOutput() {
-    struct stat status {};
-    if (flushForJournal) std::fflush(stdout);
-    if (fstat(STDOUT_FILENO, &status) != 0) throw std::runtime_error("no standard output");
-    const auto length = static_cast<std::size_t>(status.st_size);
-    if (length == outputLength_) return;
-    std::string text(length - outputLength_, '\0');
-    if (pread(STDOUT_FILENO, text.data(), text.size(), static_cast<off_t>(outputLength_)) !=
-        static_cast<ssize_t>(text.size()))
-      throw std::runtime_error("standard output cannot be read back");
-    outputLength_ = length;
+    const std::string text = (flushForJournal ? captured.out() : captured.OutUnflushed()).substr(outputLength_);
+    if (text.empty()) return;
+    outputLength_ += text.size();
     for (std::size_t start = 0, next = 0; start < text.size(); start = next) {
       next = std::min(text.find('\n', start), text.size() - 1) + 1;
       journal.push_back("> " + text.substr(start, next - start));

@@ -173,10 +173,10 @@ TEST_F(DownloadDriverTest, TheLargestChunkSizeTakesTheFileInOnePiece) {
 
 TEST_F(DownloadDriverTest, ClosesTheFileBeforeItSends) {
   Write("0123456789");
-  const std::size_t before = OpenDescriptors();
+  const std::size_t before = test_support::OpenDescriptors();
   Download(true, {.pollTimes = {0}});
   EXPECT_EQ(descriptorsWhileSending, before);
-  EXPECT_EQ(OpenDescriptors(), before);
+  EXPECT_EQ(test_support::OpenDescriptors(), before);
 }
 
 TEST_F(DownloadDriverTest, PollsWithoutAnEndUntilTheTargetThrows) {

@@ -41,7 +41,9 @@ TEST_F(InstallerStampText, TellsTheLocalTime) {
       {"XYZ-5:30", 1'000'000'000, "Sun Sep  9 07:16:40 2001"},
       {"UTC0", 0, "Thu Jan  1 00:00:00 1970"},
       {"UTC0", 4'102'444'799, "Thu Dec 31 23:59:59 2099"},
+#if !defined(_WIN32)  // which knows no local time behind the year 3000
       {"UTC0", 253'402'300'799, "Fri Dec 31 23:59:59 9999"},
+#endif
   };
   for (const auto& [zone, seconds, date] : cases) {
     SetTimeZone(zone);

@@ -15,6 +15,7 @@
 #include "errorException.h"
 #include "FakeEnvironment.h"
 #include "StrictFlash.h"
+#include "support/Environment.h"
 #include "support/ManualClock.h"
 #include "support/PlatformDouble.h"
 #include "support/TempFolder.h"
@@ -43,7 +44,7 @@ struct StampSystem {
   }
 
   static void SetTimeZone(const char* zone) {
-    setenv("TZ", zone, 1);
+    test_support::SetVariable("TZ", zone);
     tzset();
   }
 

@@ -56,7 +56,7 @@ TEST_F(DictionaryDirectoriesTest, ReadsTheWorkingDirectory) {
 TEST_F(DictionaryDirectoriesTest, ReadsTheDirectoryThatWasSetBehindIt) {
   here_.Write("a.tcd", Definition("A", 1));
   there_.Write("a.tcd", Definition("B", 2));
-  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().c_str()));
+  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().string().c_str()));
   SetFlags(true, false);
   EXPECT_TRUE(TalcPathInit());
   EXPECT_THAT(Names(), ElementsAre("A", "B"));
@@ -98,7 +98,7 @@ TEST_F(DictionaryDirectoriesTest, StopsItsDirectoryAtAFaultyFileAndReadsTheOther
   here_.Write("b.tcd", Definition("B", 128));
   here_.Write("c.tcd", Definition("C", 3));
   there_.Write("d.tcd", Definition("D", 4));
-  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().c_str()));
+  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().string().c_str()));
   EXPECT_FALSE(TalcPathInit());
   EXPECT_THAT(Names(), ElementsAre("A", "D"));
   EXPECT_EQ(TakeLog(),
@@ -130,7 +130,7 @@ TEST_F(DictionaryDirectoriesTest, TellsWhichDirectoryFailed) {
 TEST_F(DictionaryDirectoriesTest, FailsForTheDirectoryThatWasSetAlone) {
   here_.Write("a.tcd", Definition("A", 1));
   there_.Write("b.tcd", Definition("A", 2));  // a name that is taken
-  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().c_str()));
+  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().string().c_str()));
   SetFlags(true, false);
   EXPECT_FALSE(TalcPathInit());
   const std::string log = TakeLog();
@@ -164,7 +164,7 @@ TEST_F(DictionaryDirectoriesTest, AFileMayEndInAnything) {
 TEST_F(DictionaryDirectoriesTest, AreLeftOutByAProgramThatCarriesDictionaries) {
   here_.Write("a.tcd", "this would fail ;");
   there_.Write("a.tcd", "this would fail ;");
-  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().c_str()));
+  ASSERT_TRUE(TalcPathSetDirectory(there_.Path().string().c_str()));
   StartWithEmbedded();
   EXPECT_EQ(TalcPathPrivate::DefinedCommands()->size(), 163u);
 }

@@ -1,12 +1,15 @@
 // Meta commands that request: how the data is pulled, one Repeat behind the other.
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <unistd.h>
 
 #include <fstream>
 
 #include "MetaFixture.h"
+
+#if !defined(_WIN32)
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
 
 namespace {
 
@@ -224,6 +227,7 @@ TEST_F(MetaRequestTest, TakesATotalOf1) {
   EXPECT_EQ(BytesHex(command, "Image"), "A1");
 }
 
+#if !defined(_WIN32)  // which has no such limit
 /// Lets the process have no more than a GiB of memory beyond what it has, while this lives.
 class MemoryLimit {
  public:
@@ -249,5 +253,6 @@ TEST_F(MetaRequestTest, TakesNoMemoryForATotalThatNeverComes) {
   EXPECT_THAT(Load({BeginWith("FF FF FF FF"), Hundred(0), Hundred(100), Part(kNoMore), kEnd}), IsEmpty());
   EXPECT_THAT(Load({BeginWith("80 00 00 00"), Hundred(0), Part(kNoMore), kEnd}), IsEmpty());
 }
+#endif
 
 }  // namespace

@@ -17,13 +17,21 @@ bool IsRefused() {
 
 }  // namespace
 
-// The linker leads every call of `operator new(std::size_t)` to the first, and calls of the second to the real one.
+// The linker leads every call of `operator new(std::size_t)`, whose symbol tells what `std::size_t` is, to the first,
+// and calls of the second to the real one.
 // NOLINTBEGIN(bugprone-reserved-identifier)
+#if defined(_WIN64)
+#define REAL_NEW __real__Znwy
+#define WRAPPED_NEW __wrap__Znwy
+#else
+#define REAL_NEW __real__Znwm
+#define WRAPPED_NEW __wrap__Znwm
+#endif
 extern "C" {
-void* __real__Znwm(std::size_t bytes);
-void* __wrap__Znwm(std::size_t bytes) {
+void* REAL_NEW(std::size_t bytes);
+void* WRAPPED_NEW(std::size_t bytes) {
   if (IsRefused()) throw std::bad_alloc();
-  return __real__Znwm(bytes);
+  return REAL_NEW(bytes);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)

@@ -1,5 +1,5 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -17,33 +17,36 @@ namespace {
 
 constexpr int kShards = 4;
 
-/// Standard output led into memory, cheap enough to be read half a million times.
-class OutputInMemory {
+/// Standard output led into a file, cheap enough to be read half a million times.
+class OutputInFile {
  public:
-  OutputInMemory() : memory_(memfd_create("output", 0)), saved_(dup(1)) {
+  OutputInFile() : file_(open(folder_.Write("output", "").c_str(), O_RDWR)), saved_(dup(1)) {
     std::fflush(stdout);
-    dup2(memory_, 1);
+    dup2(file_, 1);
   }
-  ~OutputInMemory() {
+  ~OutputInFile() {
     std::fflush(stdout);
     dup2(saved_, 1);
     close(saved_);
-    close(memory_);
+    close(file_);
   }
-  OutputInMemory(const OutputInMemory&) = delete;
-  OutputInMemory& operator=(const OutputInMemory&) = delete;
+  OutputInFile(const OutputInFile&) = delete;
+  OutputInFile& operator=(const OutputInFile&) = delete;
 
   /// What was written since the last call, of which there is little.
   std::string Take() {
     std::fflush(stdout);
+    if (lseek(file_, 0, SEEK_CUR) == 0) return "";
     char text[4096];
-    const ssize_t length = pread(memory_, text, sizeof text, 0);
-    if (ftruncate(memory_, 0) != 0 || lseek(memory_, 0, SEEK_SET) != 0 || length < 0) return "unreadable output";
+    if (lseek(file_, 0, SEEK_SET) != 0) return "unreadable output";
+    const auto length = read(file_, text, sizeof text);
+    if (ftruncate(file_, 0) != 0 || lseek(file_, 0, SEEK_SET) != 0 || length < 0) return "unreadable output";
     return std::string(text, static_cast<std::size_t>(length));
   }
 
  private:
-  int memory_;
+  test_support::TempFolder folder_;
+  int file_;
   int saved_;
 };
 
@@ -78,7 +81,7 @@ constexpr char kHeading[] =
     "   ---------   ------------   -------------   --------------\n";
 
 /// The version that `FwDeploy -version` shows of the first card on this bench, as four digits.
-std::string ShownVersion(const simulator::BenchState& state, OutputInMemory& output) {
+std::string ShownVersion(const simulator::BenchState& state, OutputInFile& output) {
   static const char* const kArguments[] = {"FwDeploy", "-version", "-nopause"};
   simulator::Bench bench(state);
   const platform::ScopedPlatform current(bench.platform());
@@ -108,7 +111,7 @@ TEST_P(PowerCut, NeverLeavesTheNewVersionOverAnIncompleteImage) {
   std::map<std::string, std::uint64_t> shown;
   std::vector<simulator::BenchState> complete;
   {
-    OutputInMemory output;
+    OutputInFile output;
     const auto cut = [&] {
       if (++writes % kShards != static_cast<std::uint64_t>(GetParam())) return;
       const simulator::BenchState left = bench.StateAfterPowerLoss();

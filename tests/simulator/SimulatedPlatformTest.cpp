@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "simulator/SimulatedPlatform.h"
+#include "support/Environment.h"
 #include "support/TempFolder.h"
 
 using platform::CopyData;
@@ -35,7 +36,7 @@ TEST_F(SimulatedPlatformTest, CanBeTheCurrentOne) {
 }
 
 TEST_F(SimulatedPlatformTest, ShowsTheEnvironmentThatATestSets) {
-  setenv("SIMULATED_PLATFORM_TEST", "real", 1);
+  test_support::SetVariable("SIMULATED_PLATFORM_TEST", "real");
   EXPECT_EQ(platform.files().GetEnvironmentVariableA("SIMULATED_PLATFORM_TEST"), std::nullopt);
   platform.files().environment["SIMULATED_PLATFORM_TEST"] = "set";
   EXPECT_EQ(platform.files().GetEnvironmentVariableA("SIMULATED_PLATFORM_TEST"), "set");

@@ -1,7 +1,7 @@
 #include "support/CapturedOutput.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,8 +10,14 @@
 #include <iostream>
 #include <system_error>
 
+#if !defined(O_BINARY)
+#define O_BINARY 0
+#endif
+
 namespace test_support {
 namespace {
+
+constexpr char kFileName[] = "captured";
 
 void FlushAll() {
   std::fflush(nullptr);
@@ -21,7 +27,7 @@ void FlushAll() {
 
 void WriteAll(int descriptor, const std::string& text) {
   for (std::size_t written = 0; written < text.size();) {
-    const ssize_t count = write(descriptor, text.data() + written, text.size() - written);
+    const auto count = write(descriptor, text.data() + written, static_cast<unsigned>(text.size() - written));
     if (count <= 0) return;
     written += static_cast<std::size_t>(count);
   }
@@ -41,28 +47,27 @@ CapturedOutput::~CapturedOutput() = default;
 CapturedOutput::Stream::Stream(int descriptor) : descriptor_(descriptor) {
   FlushAll();
   saved_ = Checked(dup(descriptor), "dup");
-  file_ = Checked(memfd_create("captured", MFD_CLOEXEC), "memfd_create");
-  Checked(dup2(file_, descriptor), "dup2");
+  // A file that is not a text to the system: line feeds stay what they are.
+  const int file =
+      Checked(open(folder_.File(kFileName).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_BINARY, 0600), "open");
+  Checked(dup2(file, descriptor), "dup2");
+  close(file);
 }
 
 CapturedOutput::Stream::~Stream() {
   const std::string text = Text();
   dup2(saved_, descriptor_);
   close(saved_);
-  close(file_);
   if (::testing::Test::HasFailure()) WriteAll(descriptor_, text);
 }
 
 std::string CapturedOutput::Stream::Text() const {
   FlushAll();
-  std::string text;
-  char part[4096];
-  while (true) {
-    // By position: reading must not move the place where the next write goes.
-    const ssize_t count = pread(file_, part, sizeof(part), static_cast<off_t>(text.size()));
-    if (count <= 0) return text;
-    text.append(part, static_cast<std::size_t>(count));
-  }
+  return Written();
+}
+
+std::string CapturedOutput::Stream::Written() const {
+  return folder_.ReadText(kFileName);
 }
 
 }  // namespace test_support

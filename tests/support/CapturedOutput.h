@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "support/TempFolder.h"
+
 /// Takes what the process writes to standard output and standard error, as long as it lives.
 ///
 ///     test_support::CapturedOutput captured;
@@ -14,7 +16,7 @@ namespace test_support {
 
 class CapturedOutput {
  public:
-  /// Throws std::system_error when the system has no descriptors left.
+  /// Throws std::system_error when the system has no descriptors left, and what `TempFolder` throws.
   CapturedOutput();
   ~CapturedOutput();
   CapturedOutput(const CapturedOutput&) = delete;
@@ -22,6 +24,8 @@ class CapturedOutput {
 
   /// What was written to standard output since construction. Flushes first.
   std::string out() const { return out_.Text(); }
+  /// The same without the flush: what the system has got so far.
+  std::string OutUnflushed() const { return out_.Written(); }
   /// What was written to standard error since construction. Flushes first.
   std::string err() const { return err_.Text(); }
 
@@ -33,11 +37,12 @@ class CapturedOutput {
     Stream(const Stream&) = delete;
     Stream& operator=(const Stream&) = delete;
     std::string Text() const;
+    std::string Written() const;
 
    private:
+    const TempFolder folder_;
     const int descriptor_;
     int saved_;
-    int file_;
   };
 
   Stream out_;

@@ -19,8 +19,10 @@ struct ProcessOptions {
 };
 
 struct ProcessResult {
-  /// 0 to 255, or 128 plus the signal's number when a signal ended the program.
+  /// 0 to 255, or 128 plus the signal's number when a signal ended the program. On Windows the low eight bits of the
+  /// code, as a shell of the other systems shows them.
   int exitCode = 0;
+  /// With a line feed alone at the end of each line, on Windows too.
   std::string standardOutput;
   std::string standardError;
 };

@@ -1,19 +1,20 @@
 #include "support/TempFolder.h"
 
-#include <stdlib.h>
-
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <system_error>
 
 namespace test_support {
 
 TempFolder::TempFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "fwdeploy-test-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder like " + pattern);
-  path_ = pattern;
+  std::random_device random;
+  do
+    path_ = std::filesystem::temp_directory_path() / ("fwdeploy-test-" + std::to_string(random()));
+  while (!std::filesystem::create_directory(path_));
+  std::filesystem::permissions(path_, std::filesystem::perms::owner_all);
 }
 
 TempFolder::~TempFolder() {

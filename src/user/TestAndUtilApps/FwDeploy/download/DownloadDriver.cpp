@@ -40,9 +40,10 @@ Payload ReadPayload(const char* fileName, DownloadHelper& helper) {
   constexpr char kUnreadable[] = "Could not read entire program memory from disk";
   if (std::fseek(file.get(), 0, SEEK_END) != 0) throw errorException(kUnreadable);
   const std::int64_t end = std::ftell(file.get());
-  if (end < 0 || std::fseek(file.get(), static_cast<long>(offset), SEEK_SET) != 0) throw errorException(kUnreadable);
   // A header that says it is longer than its file leaves an empty payload.
-  const std::int64_t size = std::max<std::int64_t>(end - offset, 0);
+  const std::int64_t start = std::min<std::int64_t>(offset, end);
+  if (end < 0 || std::fseek(file.get(), static_cast<long>(start), SEEK_SET) != 0) throw errorException(kUnreadable);
+  const std::int64_t size = end - start;
   if (size > std::numeric_limits<std::int32_t>::max()) throw errorException("Could not allocate program memory");
 
   Payload payload{nullptr, static_cast<std::int32_t>(size)};

@@ -28,6 +28,21 @@ std::string EnvironmentText(platform::Files& environment, const char* name) {
   return environment.GetEnvironmentVariableA(name).value_or("").substr(0, kEnvironmentCharacters);
 }
 
+/// The local time as the C standard has `ctime` write it, with its newline: "Sun Sep  9 01:46:40 2001\n". (The systems'
+/// own ones differ in how they fill a day of one digit.) The newline alone where there is no such date, and beyond the
+/// year 9999, which has no place.
+std::string LocalTimeText(std::time_t time) {
+  constexpr int kLastYear = 9999 - 1900;
+  const std::tm* const local = std::localtime(&time);
+  if (local == nullptr || local->tm_year > kLastYear) return "\n";
+  char weekdayAndMonth[16];
+  char timeAndYear[32];
+  std::strftime(weekdayAndMonth, sizeof weekdayAndMonth, "%a %b", local);
+  std::strftime(timeAndYear, sizeof timeAndYear, "%H:%M:%S %Y\n", local);
+  const std::string day = std::to_string(local->tm_mday);
+  return weekdayAndMonth + std::string(day.size() == 1 ? "  " : " ") + day + " " + timeAndYear;
+}
+
 /// The version behind the text that starts at `start`: the terminator, the tag "R", four digits.
 std::uint32_t VersionBehindText(const std::array<char, kReadBytes>& bytes, std::size_t start) {
   const auto text = bytes.begin() + static_cast<std::ptrdiff_t>(start);
@@ -51,9 +66,7 @@ std::string FormatInstallerStamp(const char* fileName, platform::Files& environm
   stamp += " - ";
   stamp += EnvironmentText(environment, "USERNAME");
   stamp += "\n Install Date: ";
-  const auto now = static_cast<std::time_t>(clock.PresentTime());
-  const char* time = std::ctime(&now);  // ends in a newline; null only beyond the year 9999
-  stamp += time == nullptr ? "\n" : time;
+  stamp += LocalTimeText(static_cast<std::time_t>(clock.PresentTime()));
   return stamp;
 }
 
