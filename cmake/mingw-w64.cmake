@@ -10,5 +10,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 # Libraries of headers alone are the same on both systems.
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
 
+# What a test runs with, in the prefix that the environment names.
+set(CMAKE_CROSSCOMPILING_EMULATOR /usr/lib/wine/wine64)
+
 # The programs need nothing but the system's own libraries.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)

@@ -1,9 +1,9 @@
 #include "platform/win32/Win32Devices.h"
 
-// The system's types first: its other headers need them.
-#include <windows.h>
-
+// clang-format off
+#include <windows.h>  // first: the other needs its types
 #include <setupapi.h>
+// clang-format on
 
 #include <cstring>
 #include <memory>
@@ -77,8 +77,8 @@ bool Win32Devices::SetupDiGetDeviceInterfaceDetailA(Handle set, InterfaceData& d
   if (systemDetail != nullptr)
     systemDetail->cbSize = SizeField<SP_DEVICE_INTERFACE_DETAIL_DATA_A>(detail->size, kInterfaceDetailSize);
   DWORD required = requiredSize != nullptr ? *requiredSize : 0;
-  const BOOL succeeded = ::SetupDiGetDeviceInterfaceDetailA(ToSystem(set), &record, systemDetail, detailSize, &required,
-                                                            nullptr);
+  const BOOL succeeded =
+      ::SetupDiGetDeviceInterfaceDetailA(ToSystem(set), &record, systemDetail, detailSize, &required, nullptr);
   if (requiredSize != nullptr) *requiredSize = required;
   return succeeded != FALSE;
 }

@@ -1,7 +1,4 @@
-// The system's types first: its other headers need them.
 #include <windows.h>
-
-#include <mmsystem.h>
 
 #include <algorithm>
 #include <ctime>
