@@ -37,12 +37,12 @@ TEST_F(InstallerStampText, TellsTheLocalTime) {
     std::int64_t seconds;
     const char* date;
   } const cases[] = {
-      {"EST5", 1'000'000'000, "Sat Sep  8 20:46:40 2001"},
-      {"XYZ-5:30", 1'000'000'000, "Sun Sep  9 07:16:40 2001"},
-      {"UTC0", 0, "Thu Jan  1 00:00:00 1970"},
-      {"UTC0", 4'102'444'799, "Thu Dec 31 23:59:59 2099"},
+    {"EST5", 1'000'000'000, "Sat Sep  8 20:46:40 2001"},
+    {"XYZ-5:30", 1'000'000'000, "Sun Sep  9 07:16:40 2001"},
+    {"UTC0", 0, "Thu Jan  1 00:00:00 1970"},
+    {"UTC0", 4'102'444'799, "Thu Dec 31 23:59:59 2099"},
 #if !defined(_WIN32)  // which knows no local time behind the year 3000
-      {"UTC0", 253'402'300'799, "Fri Dec 31 23:59:59 9999"},
+    {"UTC0", 253'402'300'799, "Fri Dec 31 23:59:59 9999"},
 #endif
   };
   for (const auto& [zone, seconds, date] : cases) {

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <list>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -16,6 +17,7 @@
 #include "support/HexBlock.h"
 #include "support/ScopedWorkingFolder.h"
 #include "support/TempFolder.h"
+#include "support/UnopenableFile.h"
 
 #if !defined(_WIN32)
 #include <sys/resource.h>
@@ -93,7 +95,11 @@ TEST_F(IntegrityTrailerTest, GivesAnEmptyFileATrailer) {
 }
 
 TEST_F(IntegrityTrailerTest, LeavesTheBytesOfTheTextAsTheyAre) {
+#if defined(_WIN32)  // where a line end has two bytes in the file, and counts as one
+  EXPECT_EQ(WithTrailer("\xE9\r\nB\0\xFF"s), "\xE9\nB\0\xFF\n#$ 1861007840 $ "s);
+#else
   EXPECT_EQ(WithTrailer("\xE9\r\nB\0\xFF"s), "\xE9\r\nB\0\xFF\n#$ 4258399673 $ "s);
+#endif
 }
 
 TEST_F(IntegrityTrailerTest, CoversTextsOfAnyLength) {
@@ -147,15 +153,15 @@ TEST_F(IntegrityTrailerTest, TheGeneratorTellsOfItsFileUnderTheVerboseFlagAlone)
 
 TEST_F(IntegrityTrailerTest, TheGeneratorRefusesFilesThatCannotBeOpened) {
   std::filesystem::create_directory(folder_.Path() / "folder.tcd");
-  std::filesystem::create_symlink(folder_.File("nowhere"), folder_.File("dangling.tcd"));
+  const test_support::UnopenableFile unopenable(folder_.File("unopenable.tcd"));
   SetFlags(true, false);
   for (const std::string& path :
-       {folder_.File("missing.tcd"), folder_.File("folder.tcd"), folder_.File("dangling.tcd"), std::string()}) {
+       {folder_.File("missing.tcd"), folder_.File("folder.tcd"), folder_.File("unopenable.tcd"), std::string()}) {
     EXPECT_FALSE(Generate(path)) << path;
     EXPECT_EQ(TakeLog(), "\nGenerating CRC on Talc Command Definition File : " + path + "\n");
   }
   EXPECT_FALSE(Generate({}));  // no name at all
-  EXPECT_THAT(folder_.Names(), ::testing::ElementsAre("dangling.tcd", "folder.tcd"));
+  EXPECT_THAT(folder_.Names(), ::testing::ElementsAre("folder.tcd", "unopenable.tcd"));
 }
 
 #if !defined(_WIN32)
@@ -348,12 +354,13 @@ class GenerateCRCsTest : public EngineTest {
  protected:
   GenerateCRCsTest() { system_.Use(platform::Native().files()); }
   /// Has the generator refuse a file.
-  static void WriteUnopenable(const test_support::TempFolder& folder, const std::string& name) {
-    std::filesystem::create_symlink(folder.File("nowhere"), folder.File(name));
+  void WriteUnopenable(const test_support::TempFolder& folder, const std::string& name) {
+    unopenable_.emplace_back(folder.File(name));
   }
 
   test_support::TempFolder here_;
   test_support::TempFolder there_;
+  std::list<test_support::UnopenableFile> unopenable_;
   const std::string therePath_ = there_.Path().string() + "/";
   test_support::ScopedWorkingFolder working_{here_.Path()};
 };
@@ -362,12 +369,12 @@ TEST_F(GenerateCRCsTest, WritesTrailersInTheWorkingDirectory) {
   here_.Write("b.tcd", "Foo ;");
   here_.Write("a.tcd", "A");
   here_.Write("a.txt", "A");
-  here_.Write("a.TCD", "A");
+  here_.Write("c.TCD", "A");
   EXPECT_TRUE(TalcPath::TalcPathGenerateCRCs(nullptr));
   EXPECT_EQ(here_.ReadText("a.tcd"), "A\n#$ 3599869725 $ ");
   EXPECT_EQ(here_.ReadText("b.tcd"), "Foo ;\n#$ 2297691801 $ ");
   EXPECT_EQ(here_.ReadText("a.txt"), "A");
-  EXPECT_EQ(here_.ReadText("a.TCD"), "A");
+  EXPECT_EQ(here_.ReadText("c.TCD"), "A");
   EXPECT_EQ(TakeLog(), kWarning + Scan("./", {"a.tcd", "b.tcd"}) + kFinished);
 }
 
@@ -405,7 +412,7 @@ TEST_F(GenerateCRCsTest, SwitchesTheVerboseLinesOnForGood) {
 }
 
 TEST_F(GenerateCRCsTest, TakesDirectoriesWithoutFilesAsDone) {
-  EXPECT_TRUE(TalcPath::TalcPathGenerateCRCs(there_.File("missing").c_str()));
+  EXPECT_TRUE(TalcPath::TalcPathGenerateCRCs((therePath_ + "missing").c_str()));
   EXPECT_EQ(TakeLog(), kWarning + Scan("./", {}) + Scan(therePath_ + "missing/", {}) + kFinished);
 }
 

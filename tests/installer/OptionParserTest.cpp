@@ -299,10 +299,14 @@ TEST(OptionParser, AFileThatIsNoContainerIsRefusedAfterItsOwnLine) {
   const struct {
     const char* file;
     const char* line;
-  } cases[] = {{"absent.rbi", "Unable to open file absent.rbi\n"},
-               {"junk", "File junk missing RBI file header\n"},
-               {".", "File . missing RBI file header\n"},
-               {"", "Unable to open file \n"}};
+  } cases[] = {
+    {"absent.rbi", "Unable to open file absent.rbi\n"},
+    {"junk", "File junk missing RBI file header\n"},
+#if !defined(_WIN32)  // where a folder is not opened at all
+    {".", "File . missing RBI file header\n"},
+#endif
+    {"", "Unable to open file \n"}
+  };
   for (const auto& each : cases) {
     CapturedOutput output;
     ParsedInstaller parsed;

@@ -245,9 +245,9 @@ TEST_F(BenchFolderTest, WritesOnlyTheImagesThatChanged) {
   Create(MakeBench({}));
   const auto before = Images();
   ASSERT_THAT(before, ElementsAre(StartsWith("belmara-"), StartsWith("dovu-")));
-  const auto stamp = fs::file_time_type::clock::now() - std::chrono::hours(1);
   for (const std::string& name : before)
-    fs::last_write_time(Bench() / "hardware" / name, stamp);
+    fs::last_write_time(Bench() / "hardware" / name, fs::file_time_type::clock::now() - std::chrono::hours(1));
+  const auto stamp = fs::last_write_time(Bench() / "hardware" / before[1]);
 
   BenchState state = LoadBench(Bench());
   state.cards[0]->flash.memory().SetWord(0x100000, 0);

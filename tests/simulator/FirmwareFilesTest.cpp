@@ -6,6 +6,7 @@
 #include "simulator/KarvelProgram.h"
 #include "simulator/RbiFile.h"
 #include "simulator/SeededBytes.h"
+#include "support/FolderFault.h"
 #include "support/TempFolder.h"
 
 using simulator::BytesOf;
@@ -161,7 +162,7 @@ TEST(WriteFirmwareFiles, NamesTheFileThatCannotBeWritten) {
     simulator::WriteFirmwareFiles(folder.Path(), {{"folder", std::vector<std::uint8_t>{1}}}, 1);
     FAIL();
   } catch (const simulator::BenchError& error) {
-    EXPECT_EQ(error.what(), folder.File("folder") + ": Is a directory");
+    EXPECT_EQ(error.what(), folder.File("folder") + ": " + test_support::FolderFault());
   }
 }
 

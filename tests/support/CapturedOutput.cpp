@@ -67,7 +67,8 @@ std::string CapturedOutput::Stream::Text() const {
 }
 
 std::string CapturedOutput::Stream::Written() const {
-  return folder_.ReadText(kFileName);
+  const std::vector<std::uint8_t> bytes = folder_.ReadBytes(kFileName);
+  return {bytes.begin(), bytes.end()};
 }
 
 }  // namespace test_support

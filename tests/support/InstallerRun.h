@@ -17,6 +17,13 @@ struct InstallerRun {
   std::string leftInInput;  ///< what the run did not read of its standard input
 };
 
+/// What reads as empty.
+#if defined(_WIN32)
+inline constexpr char kNothing[] = "NUL";
+#else
+inline constexpr char kNothing[] = "/dev/null";
+#endif
+
 /// Runs the whole program in this process, as if it were a new one, on the current platform and in the current folder,
 /// with `input` as its standard input.
 inline InstallerRun RunInstaller(const std::vector<const char*>& arguments, const std::string& input = "\n") {
@@ -38,6 +45,8 @@ inline InstallerRun RunInstaller(const std::vector<const char*>& arguments, cons
   }
   for (int byte = std::getchar(); byte != EOF; byte = std::getchar())
     run.leftInInput += static_cast<char>(byte);
+  // Some systems keep a file, and the folder that it is in, for as long as it is open.
+  if (std::freopen(kNothing, "r", stdin) == nullptr) std::abort();
   return run;
 }
 

@@ -36,16 +36,20 @@ std::string TempFolder::Write(std::string_view name, std::span<const std::uint8_
   return Write(name, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
-std::string TempFolder::ReadText(std::string_view name) const {
+std::string TempFolder::Read(std::string_view name, std::ios::openmode mode) const {
   const std::filesystem::path path = path_ / name;
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(path, mode);
   if (!file) throw std::runtime_error("cannot read " + path.string());
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+std::string TempFolder::ReadText(std::string_view name) const {
+  return Read(name, std::ios::in);
+}
+
 std::vector<std::uint8_t> TempFolder::ReadBytes(std::string_view name) const {
-  const std::string text = ReadText(name);
-  return {text.begin(), text.end()};
+  const std::string bytes = Read(name, std::ios::in | std::ios::binary);
+  return {bytes.begin(), bytes.end()};
 }
 
 std::vector<std::string> TempFolder::Names() const {

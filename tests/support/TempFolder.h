@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <ios>
 #include <span>
 #include <string>
 #include <string_view>
@@ -26,19 +27,22 @@ class TempFolder {
 
   const std::filesystem::path& Path() const { return path_; }
   /// The path of a file in the folder, whether it is there or not.
-  std::string File(std::string_view name) const { return (path_ / name).string(); }
+  std::string File(std::string_view name) const { return (path_ / name).make_preferred().string(); }
 
   /// Writes a file, in place of one that is there, and returns its path. `name` may lie in a subfolder, which is made.
   std::string Write(std::string_view name, std::string_view text) const;
   std::string Write(std::string_view name, std::span<const std::uint8_t> bytes) const;
 
   bool Has(std::string_view name) const { return std::filesystem::exists(path_ / name); }
+  /// With a line feed alone at the end of each line, on Windows too.
   std::string ReadText(std::string_view name) const;
   std::vector<std::uint8_t> ReadBytes(std::string_view name) const;
   /// The names of what lies in the folder itself, sorted.
   std::vector<std::string> Names() const;
 
  private:
+  std::string Read(std::string_view name, std::ios::openmode mode) const;
+
   std::filesystem::path path_;
 };
 

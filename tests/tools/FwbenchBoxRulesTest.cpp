@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "BenchProcess.h"
@@ -355,7 +356,7 @@ TEST_F(FwbenchBox, ABoardWithoutARevisionEndsTheRun) {
     bench["veltra"]["box"]["vpd"]["VPD_Brox"] = each.vpd;
     MakeBench(bench.dump());
     Expect({"-version", "-nopause"}, 255, "", Failed(each.message, "VersionDiscovery.cpp"));
-    ASSERT_EQ(test_support::RunProcess("rm", {"-r", folder_.File("bench")}).exitCode, 0);
+    std::filesystem::remove_all(folder_.File("bench"));
   }
 }
 

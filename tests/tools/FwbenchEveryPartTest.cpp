@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "BenchProcess.h"
@@ -206,7 +207,7 @@ TEST_F(EveryPart, KarvelsArePlayedTheirFile) {
   for (const auto& each : cases) {
     ExpectRun(bench, {"-" + each.name, "-nofussy", "-nopause"}, 2,
               each.name + "\nProgramming " + each.title + " Karvel\n\r0%\n", "", {1, 0});
-    ASSERT_EQ(test_support::RunProcess("rm", {"-r", folder_.File("bench")}).exitCode, 0);
+    std::filesystem::remove_all(folder_.File("bench"));
   }
 }
 
@@ -336,7 +337,7 @@ TEST_F(EveryPart, EitherLineCanBeLeftOut) {
                {"-orboqx", 4, "pico", {1, 1}}};
   for (const auto& each : cases) {
     ExpectRun(bench, {"-all", each.option, "-nopause"}, each.exitCode, Programmed(each.part), "", each.restart);
-    ASSERT_EQ(test_support::RunProcess("rm", {"-r", folder_.File("bench")}).exitCode, 0);
+    std::filesystem::remove_all(folder_.File("bench"));
   }
 }
 

@@ -120,7 +120,7 @@ TEST_F(FwbenchRun, CutsAllAlongAnInstallLeaveTheOldVersionOrNoneOrTheNew) {
   int cuts = 0;
   std::map<std::string, int> shown;
   for (int write = 1;; write += 41'999) {
-    ASSERT_EQ(RunProcess("cp", {"-r", folder_.File("bench"), folder_.File("kept")}).exitCode, 0);
+    std::filesystem::copy(folder_.File("bench"), folder_.File("kept"), std::filesystem::copy_options::recursive);
     const ProcessResult run =
         Run({"-all", "-nopause", "-noprogress"}, {"--fault", "power-cut@" + std::to_string(write)});
     if (run.exitCode == 2) break;
@@ -170,7 +170,7 @@ TEST_F(FwbenchRun, TheTraceHasEveryAccessInOrder) {
 
 TEST_F(FwbenchRun, TwoRunsOfTheSameBenchHaveTheSameTrace) {
   MakeSmallBench();
-  ASSERT_EQ(RunProcess("cp", {"-r", folder_.File("bench"), folder_.File("kept")}).exitCode, 0);
+  std::filesystem::copy(folder_.File("bench"), folder_.File("kept"), std::filesystem::copy_options::recursive);
   ASSERT_EQ(Run({"-all", "-nopause"}, {"--trace", "first.txt"}).exitCode, 2);
   std::filesystem::remove_all(folder_.File("bench"));
   std::filesystem::rename(folder_.File("kept"), folder_.File("bench"));

@@ -20,7 +20,6 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
@@ -315,9 +314,10 @@ TEST_F(Fwbench, TellsItsUsageAndVersion) {
     const std::string help = Output(arguments);
     EXPECT_THAT(help, HasSubstr("Usage: fwbench"));
   }
-  EXPECT_THAT(Output({"--version"}), MatchesRegex("fwbench [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  EXPECT_EQ(Output({"--version"}), "fwbench " PROJECT_VERSION "\n");
 }
 
+#if !defined(_WIN32)  // which has no shell, and no device that is always full
 TEST_F(Fwbench, ExitsWith1WhereItsOutputCannotBeWritten) {
   Output({"new", "bench"});
   for (const char* line : {"exec \"$0\" show bench >/dev/full", "exec \"$0\" faults >/dev/full"}) {
@@ -327,6 +327,7 @@ TEST_F(Fwbench, ExitsWith1WhereItsOutputCannotBeWritten) {
     EXPECT_EQ(run.standardError, "fwbench: cannot write to standard output\n");
   }
 }
+#endif
 
 // The installer itself has its own tests; these are about what fwbench does around it.
 
@@ -358,9 +359,10 @@ TEST_F(Fwbench, FailsBeforeTheRunWhereTheTraceCannotBeWritten) {
   const auto run = Run({"run", "bench", "--trace", "no/trace.txt", "--", "-version", "-nopause"});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.standardOutput, "");
-  EXPECT_THAT(run.standardError, EndsWith("no/trace.txt: cannot be written\n"));
+  EXPECT_THAT(run.standardError, EndsWith(folder_.File("no/trace.txt") + ": cannot be written\n"));
 }
 
+#if !defined(_WIN32)  // which has no shell, and no device that is always full
 TEST_F(Fwbench, SaysWhenTheTraceIsNotWhole) {
   Output({"new", "bench"});
   const auto run = Run({"run", "bench", "--trace", "/dev/full", "--", "-version", "-nopause"});
@@ -374,6 +376,7 @@ TEST_F(Fwbench, SaysWhenTheWaveformIsNotWhole) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.standardError, "fwbench: /dev/full: the waveform could not be written to its end\n");
 }
+#endif
 
 TEST_F(Fwbench, PullsThePlug) {
   Output({"new", "bench"});

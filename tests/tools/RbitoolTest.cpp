@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/FolderFault.h"
 #include "support/Process.h"
 #include "support/TempFolder.h"
 
@@ -16,7 +17,6 @@ namespace {
 using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 class Rbitool : public testing::Test {
@@ -93,6 +93,7 @@ TEST_F(Rbitool, TakesAnyFourPrintableCharactersForAnId) {
   }
 }
 
+#if !defined(_WIN32)  // where links take a right of their own
 TEST_F(Rbitool, ReplacesAFileAndKeepsALinkToIt) {
   folder_.Write("payload", "new");
   folder_.Write("real.rbi", "an old file that is longer than the new one");
@@ -101,6 +102,7 @@ TEST_F(Rbitool, ReplacesAFileAndKeepsALinkToIt) {
   EXPECT_TRUE(std::filesystem::is_symlink(folder_.Path() / "link.rbi"));
   EXPECT_EQ(folder_.ReadText("real.rbi"), "ORBO.RBI\0\0\0\x16R0001;BLMXnew"s);
 }
+#endif
 
 TEST_F(Rbitool, CanWrapAFileInItself) {
   folder_.Write("file", "payload");
@@ -116,6 +118,7 @@ TEST_F(Rbitool, PassesOverAPartialFileOfAnotherRun) {
   EXPECT_THAT(folder_.Names(), ElementsAre("out.rbi", "out.rbi.partial0", "payload"));
 }
 
+#if !defined(_WIN32)  // which has no shell, and no device that is always full
 // The limit on file sizes stands in for a full disk.
 TEST_F(Rbitool, LeavesTheOldFileWhereTheNewOneCannotBeWritten) {
   folder_.Write("payload", std::string(2 << 20, 'p'));
@@ -128,6 +131,7 @@ TEST_F(Rbitool, LeavesTheOldFileWhereTheNewOneCannotBeWritten) {
   EXPECT_EQ(folder_.ReadText("out.rbi"), "old");
   EXPECT_THAT(folder_.Names(), ElementsAre("out.rbi", "payload"));
 }
+#endif
 
 struct FailedRun {
   std::vector<std::string> arguments;
@@ -141,15 +145,19 @@ TEST_F(Rbitool, ExitsWith1AndALineWhereTheWorkFails) {
   const auto make = [](const std::string& out, const std::string& payload) -> std::vector<std::string> {
     return {"make", out, "--id", "BLMX", "--version", "1", "--payload", payload};
   };
-  for (const FailedRun& failed :
-       {FailedRun{make("out.rbi", "absent"), "cannot read absent: No such file or directory"},
-        FailedRun{make("out.rbi", "folder"), "cannot read folder: Is a directory"},
-        FailedRun{make("nowhere/out.rbi", "payload"), "No such file or directory"},
-        FailedRun{make("folder", "payload"), "cannot write folder: not an ordinary file"},
-        FailedRun{make("/dev/null", "payload"), "cannot write /dev/null: not an ordinary file"},
-        FailedRun{{"show", "absent"}, "Unable to open file absent"},
-        FailedRun{{"show", "foreign"}, "File foreign missing RBI file header"},
-        FailedRun{{"show", "folder"}, "File folder missing RBI file header"}}) {
+  for (const FailedRun& failed : {
+         FailedRun{make("out.rbi", "absent"), "cannot read absent: No such file or directory"},
+             FailedRun{make("out.rbi", "folder"), "cannot read folder: " + test_support::FolderFault()},
+             FailedRun{make("nowhere/out.rbi", "payload"), "No such file or directory"},
+             FailedRun{make("folder", "payload"), "cannot write folder: not an ordinary file"},
+#if !defined(_WIN32)  // where a folder is not opened at all, and devices lie in no folder
+             FailedRun{make("/dev/null", "payload"), "cannot write /dev/null: not an ordinary file"},
+             FailedRun{{"show", "folder"}, "File folder missing RBI file header"},
+#endif
+             FailedRun{{"show", "absent"}, "Unable to open file absent"}, FailedRun {
+           {"show", "foreign"}, "File foreign missing RBI file header"
+         }
+       }) {
     const auto run = Run(failed.arguments);
     EXPECT_EQ(run.exitCode, 1) << failed.complaint;
     EXPECT_EQ(run.standardOutput, "");
@@ -159,12 +167,14 @@ TEST_F(Rbitool, ExitsWith1AndALineWhereTheWorkFails) {
   EXPECT_THAT(folder_.Names(), ElementsAre("folder", "foreign", "payload"));
 }
 
+#if !defined(_WIN32)  // which has no shell, and no device that is always full
 TEST_F(Rbitool, ExitsWith1WhereItsOutputCannotBeWritten) {
   folder_.Write("a.rbi", "ORBO.RBI\0\0\0\x16R0001;BLMX"s);
   const auto run = RunInShell("exec \"$0\" show a.rbi >/dev/full");
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.standardError, "rbitool: cannot write to standard output\n");
 }
+#endif
 
 TEST_F(Rbitool, ExitsWith2AndALineOnBadUsage) {
   folder_.Write("payload", "");
@@ -218,7 +228,7 @@ TEST_F(Rbitool, TellsItsUsageAndVersion) {
   }
   const auto run = Run({"--version"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_THAT(run.standardOutput, MatchesRegex("rbitool [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  EXPECT_EQ(run.standardOutput, "rbitool " PROJECT_VERSION "\n");
   EXPECT_EQ(run.standardError, "");
 }
 

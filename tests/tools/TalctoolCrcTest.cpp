@@ -28,6 +28,7 @@ TEST_F(TalctoolCrc, AcceptsATrailerThatDoesNotCoverItsCommentMark) {
   EXPECT_EQ(folder_.ReadText("valid.tcd"), "A\n#$ 1215202725 $ ");
 }
 
+#if !defined(_WIN32)  // where the line end before the mark has the two bytes that differ
 // What is written covers one byte more than what is checked. It is meant.
 TEST_F(TalctoolCrc, WhatItAddsIsNotValid) {
   Output({"crc", "add", "a.tcd"});
@@ -38,6 +39,7 @@ TEST_F(TalctoolCrc, WhatItAddsIsNotValid) {
             "\nBAD CRC on Talc Command Definition File : a.tcd\n"
             "talctool: a.tcd: no valid trailer\n");
 }
+#endif
 
 TEST_F(TalctoolCrc, AFileWithoutATrailerIsNotValid) {
   const auto run = Run({"crc", "check", "a.tcd"});
@@ -61,13 +63,15 @@ TEST_F(TalctoolCrc, TellsThePathAsGivenAndLogsTheBaseName) {
   EXPECT_EQ(add.standardError, "\nGenerating CRC on Talc Command Definition File : a\xE9.tcd\n");
   EXPECT_EQ(folder_.ReadText("deep/er/a\xE9.tcd"), "A\n#$ 3599869725 $ ");
 
-  const auto check = Run({"--verbose", "crc", "check", folder_.File("deep/er/a\xE9.tcd")});
+  const std::string path = folder_.Path().string() + "/deep/er/a\xE9.tcd";
+  folder_.Write("deep/er/a\xE9.tcd", "A\n#$ 1 $ ");
+  const auto check = Run({"--verbose", "crc", "check", path});
   EXPECT_EQ(check.exitCode, 1);
   EXPECT_EQ(check.standardError,
             "\nChecking CRC on Talc Command Definition File : a\xE9.tcd"
             "\nBAD CRC on Talc Command Definition File : a\xE9.tcd\n"
             "talctool: " +
-                folder_.File("deep/er/a\xE9.tcd") + ": no valid trailer\n");
+                path + ": no valid trailer\n");
 }
 
 TEST_F(TalctoolCrc, TakesAFileOfAnyName) {
@@ -78,6 +82,7 @@ TEST_F(TalctoolCrc, TakesAFileOfAnyName) {
   }
 }
 
+#if !defined(_WIN32)  // which has no shell, and no device that is always full
 TEST_F(TalctoolCrc, ExitsWith1WhereTheTrailerCannotBeWritten) {
   // No shell's unit of the limit, of which one is allowed, is larger than the file. The output is well below.
   const std::string text(1024, 'x');
@@ -94,6 +99,7 @@ TEST_F(TalctoolCrc, ExitsWith1WhereItsOutputCannotBeWritten) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.standardError, "talctool: cannot write to standard output\n");
 }
+#endif
 
 TEST_F(TalctoolCrc, AFileThatCannotBeReadIsBadUsage) {
   std::filesystem::create_directory(folder_.Path() / "folder");

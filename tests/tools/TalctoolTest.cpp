@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "support/FolderFault.h"
 #include "TalctoolFixture.h"
 
 namespace {
@@ -9,7 +10,6 @@ namespace {
 using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::Not;
 using testing::StartsWith;
 
@@ -29,7 +29,7 @@ TEST_F(Talctool, TellsItsUsageAndVersion) {
     const std::string help = Output(arguments);
     EXPECT_THAT(help, HasSubstr("Usage: talctool")) << testing::PrintToString(arguments);
   }
-  EXPECT_THAT(Output({"--version"}), MatchesRegex("talctool [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+  EXPECT_EQ(Output({"--version"}), "talctool " PROJECT_VERSION "\n");
 }
 
 TEST_F(Talctool, NamesEveryCallInItsUsage) {
@@ -77,7 +77,8 @@ TEST_F(Talctool, NamesTheFileThatItCannotRead) {
   std::filesystem::create_directory(folder_.Path() / "folder");
   EXPECT_EQ(Run({"check", "--tcd", "small.tcd", "absent.tcd"}).standardError,
             "talctool: cannot read absent.tcd: No such file or directory\n");
-  EXPECT_EQ(Run({"check", "--tcd", "folder"}).standardError, "talctool: cannot read folder: Is a directory\n");
+  EXPECT_EQ(Run({"check", "--tcd", "folder"}).standardError,
+            "talctool: cannot read folder: " + test_support::FolderFault() + "\n");
 }
 
 TEST_F(Talctool, ReadsNoDictionaryBeforeAllFilesAreThere) {
@@ -193,6 +194,7 @@ TEST_F(Talctool, ExitsWith1WhereNoCommandIsDefined) {
   }
 }
 
+#if !defined(_WIN32)  // which has no shell, and no device that is always full
 TEST_F(Talctool, ExitsWith1WhereItsOutputCannotBeWritten) {
   for (const std::string call : {"check", "validate", "write", "header", "dump"}) {
     const auto run = RunInShell("exec \"$0\" " + call + " >/dev/full");
@@ -211,5 +213,6 @@ TEST_F(Talctool, ExitsWith1WhereItsInputCannotBeRead) {
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.standardError, "talctool: cannot read standard input\n");
 }
+#endif
 
 }  // namespace

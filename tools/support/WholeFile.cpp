@@ -6,6 +6,12 @@
 #include <stdexcept>
 #include <system_error>
 
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#include <sys/stat.h>
+#endif
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -18,6 +24,24 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
+// Windows has paths of wide characters, and its C library no mode for a file that must be new.
+#if defined(_WIN32)
+File OpenToRead(const fs::path& path) {
+  return File(_wfopen(path.c_str(), L"rb"));
+}
+File CreateNew(const fs::path& path) {
+  const int descriptor = _wopen(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY, _S_IREAD | _S_IWRITE);
+  return File(descriptor < 0 ? nullptr : _fdopen(descriptor, "wb"));
+}
+#else
+File OpenToRead(const fs::path& path) {
+  return File(std::fopen(path.c_str(), "rb"));
+}
+File CreateNew(const fs::path& path) {
+  return File(std::fopen(path.c_str(), "wbx"));
+}
+#endif
+
 [[noreturn]] void Fail(const std::string& what, const fs::path& path, int error) {
   throw std::runtime_error(what + " " + path.string() + ": " + std::generic_category().message(error));
 }
@@ -27,8 +51,7 @@ File CreateBeside(const fs::path& target, fs::path& path) {
   for (int n = 0; n < kPartialNames; ++n) {
     path = target;
     path += ".partial" + std::to_string(n);
-    File file(std::fopen(path.string().c_str(), "wbx"));
-    if (file != nullptr) return file;
+    if (File file = CreateNew(path)) return file;
     if (errno != EEXIST) break;
   }
   Fail("cannot write", target, errno);
@@ -66,7 +89,7 @@ class PartialFile {
 }  // namespace
 
 std::string ReadWhole(const fs::path& path) {
-  const File file(std::fopen(path.string().c_str(), "rb"));
+  const File file = OpenToRead(path);
   if (file == nullptr) Fail("cannot read", path, errno);
   std::string bytes;
   char part[65536];

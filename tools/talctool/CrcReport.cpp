@@ -15,10 +15,12 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Hands the file over as the library's scan of a directory does.
-bool Process(TalcPathPrivate::TCDFileProcessor& processor, const fs::path& path) {
+bool Process(TalcPathPrivate::TCDFileProcessor& processor, const std::string& path) {
   // The log is to show the base name, and that is also the name by which the generator opens the file.
-  if (path.has_parent_path()) fs::current_path(path.parent_path());
-  const std::string name = path.filename().string();
+  const fs::path folder = fs::path(path).parent_path();
+  if (!folder.empty()) fs::current_path(folder);
+  const char* const separators = fs::path::preferred_separator == '/' ? "/" : "/\\:";
+  const std::string name = path.substr(path.find_last_of(separators) + 1);
   std::ifstream stream(name);
   return processor.Process(stream, name);
 }
