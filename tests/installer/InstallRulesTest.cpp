@@ -105,11 +105,15 @@ TEST(InstallRules, AMissingOrForeignFileIsFatal) {
   const struct {
     const char* file;
     const char* err;
-  } cases[] = {{"absent.rbi", "Unable to open file absent.rbi\n"},
-               {"foreign.rbi", ""},
-               {"junk.rbi", "File junk.rbi missing RBI file header\n"},
-               {"short.rbi", ""},
-               {".", "File . missing RBI file header\n"}};
+  } cases[] = {
+    {"absent.rbi", "Unable to open file absent.rbi\n"},
+    {"foreign.rbi", ""},
+    {"junk.rbi", "File junk.rbi missing RBI file header\n"},
+#if !defined(_WIN32)  // where a folder is not opened at all
+    {".", "File . missing RBI file header\n"},
+#endif
+    {"short.rbi", ""}
+  };
   for (const auto& c : cases) {
     ParsedInstaller parsed({"-pico", c.file});
     parsed.installer.RegisterPartLocation("pico", "PICO", 1, 0, 0x10, "", 0x123);

@@ -439,7 +439,8 @@ TEST_F(BenchFolderTest, RefusesAKeyThatStandsTwice) {
 TEST_F(BenchFolderTest, RefusesADamagedImage) {
   Create(MakeBench({.hostCards = HostCards::kBelmara}));
   const std::string name = "bench/hardware/" + Images()[0];
-  const std::string whole = folder.ReadText(name);
+  const std::vector<std::uint8_t> bytes = folder.ReadBytes(name);
+  const std::string whole(bytes.begin(), bytes.end());
 
   std::string changed = whole;
   changed[0x500000] ^= 1;
