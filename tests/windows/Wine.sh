@@ -30,7 +30,12 @@ wineStart() {
   wineServe
 }
 
-wineServe() { "$wineServer" -p; }
+# The first program starts the system's services, and these keep its streams for as long as they live. Whoever reads
+# from a pipe to its end would wait for them.
+wineServe() {
+  "$wineServer" -p </dev/null >/dev/null 2>&1
+  wine cmd /c exit </dev/null >/dev/null 2>&1
+}
 
 # wineCopy FROM PREFIX: files are shared by links, but for the registry, which the server writes.
 wineCopy() {
