@@ -103,8 +103,8 @@ TEST_F(Fwbench, MakesTheSameBenchFromTheSameSeed) {
   Output({"new", "other", "--seed", "8"});
   EXPECT_EQ(NamesIn("one/hardware"), NamesIn("two/hardware"));
   EXPECT_NE(NamesIn("one/hardware"), NamesIn("other/hardware"));
-  EXPECT_EQ(folder_.ReadText("one/firmware/BLMX0202.rbi"), folder_.ReadText("two/firmware/BLMX0202.rbi"));
-  EXPECT_NE(folder_.ReadText("one/firmware/BLMX0202.rbi"), folder_.ReadText("other/firmware/BLMX0202.rbi"));
+  EXPECT_EQ(folder_.ReadBytes("one/firmware/BLMX0202.rbi"), folder_.ReadBytes("two/firmware/BLMX0202.rbi"));
+  EXPECT_NE(folder_.ReadBytes("one/firmware/BLMX0202.rbi"), folder_.ReadBytes("other/firmware/BLMX0202.rbi"));
 }
 
 TEST_F(Fwbench, PlugsInTheCardsThatAreAskedFor) {

@@ -35,8 +35,7 @@ class RbitoolVmeProgram : public testing::Test {
     const auto run = Run({"vme", "assembled.rbi", "--script", "script"});
     EXPECT_EQ(run.exitCode, 0) << script;
     EXPECT_EQ(run.standardError, "");
-    const std::string bytes = folder_.ReadText("assembled.rbi");
-    return {bytes.begin(), bytes.end()};
+    return folder_.ReadBytes("assembled.rbi");
   }
 
   test_support::TempFolder folder_;
