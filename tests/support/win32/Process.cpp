@@ -100,9 +100,15 @@ ProcessResult RunProcess(const std::string& program, const std::vector<std::stri
     startup.hStdOutput = output.get();
     startup.hStdError = error.get();
     const char* const folder = options.workingDirectory.empty() ? nullptr : options.workingDirectory.c_str();
-    if (CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, environment.data(), folder, &startup,
-                       &process) == FALSE)
-      Fail(program);
+    const auto start = [&] {
+      return CreateProcessA(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, environment.data(), folder,
+                            &startup, &process) != FALSE;
+    };
+    // Wine refuses a start out of thousands with an error of its own, and takes the same one the next time.
+    bool started = start();
+    for (int again = 0; !started && GetLastError() == ERROR_INTERNAL_ERROR && again < 5; ++again)
+      started = start();
+    if (!started) Fail(program);
   }
   const OwnedHandle thread(process.hThread);
   const OwnedHandle running(process.hProcess);
