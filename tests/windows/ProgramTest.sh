@@ -23,7 +23,7 @@ both() {
   ((windowsCode == linuxCode)) || fail "$*: exit code $windowsCode on Windows, $linuxCode on Linux"
   for stream in out err; do
     ! grep -qvP '\r$' "windows.$stream" || fail "$*: a line on $stream without the line end of Windows"
-    diff "linux.$stream" <(tr -d '\r' <"windows.$stream") >&2 || fail "$*: the systems differ on standard $stream"
+    diff "linux.$stream" <(sed 's/\r$//' "windows.$stream") >&2 || fail "$*: the systems differ on standard $stream"
   done
 }
 
