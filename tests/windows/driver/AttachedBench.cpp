@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/Platform.h"
 #include "simulator/BenchFolder.h"
 #include "simulator/LittleEndian.h"
 #include "simulator/SystemErrors.h"
@@ -16,6 +17,12 @@ constexpr std::uint32_t kShared = 3;
 constexpr std::uint32_t kOpenExisting = 3;
 constexpr std::uint32_t kNormalAttributes = 128;
 
+std::int64_t Ticks() {
+  std::int64_t ticks = 0;
+  platform::Native().clock().QueryPerformanceCounter(ticks);
+  return ticks;
+}
+
 }  // namespace
 
 AttachedBench::Run::Run(simulator::BenchState state, simulator::FaultPlan& plan, std::ofstream& trace)
@@ -23,7 +30,7 @@ AttachedBench::Run::Run(simulator::BenchState state, simulator::FaultPlan& plan,
       faulty(bench.platform(), plan),
       devices(trace.is_open() ? recording.emplace(faulty, trace).devices() : faulty.devices()),
       startNanoseconds(bench.clock().NowNanoseconds()),
-      start(std::chrono::steady_clock::now()) {
+      startTicks(Ticks()) {
   bench.UseFaults(&plan);
 }
 
@@ -82,8 +89,10 @@ void AttachedBench::Save() {
 
 void AttachedBench::FollowRealTime() {
   simulator::VirtualClock& clock = run_->bench.clock();
-  const std::chrono::nanoseconds elapsed = std::chrono::steady_clock::now() - run_->start;
-  const std::int64_t now = run_->startNanoseconds + elapsed.count() * configuration_.speed;
+  std::int64_t ticksPerSecond = 1;
+  platform::Native().clock().QueryPerformanceFrequency(ticksPerSecond);
+  const std::int64_t elapsed = (Ticks() - run_->startTicks) * 1'000'000'000 / ticksPerSecond;
+  const std::int64_t now = run_->startNanoseconds + elapsed * configuration_.speed;
   clock.Advance(std::max<std::int64_t>(0, now - clock.NowNanoseconds()));
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <fstream>
 #include <memory>
@@ -63,7 +62,8 @@ class AttachedBench {
     platform::Devices& devices;
     std::vector<std::unique_ptr<SharedTrap>> traps;
     const std::int64_t startNanoseconds;
-    const std::chrono::steady_clock::time_point start;
+    /// What the platform's clock, which the program lives by too, showed then.
+    const std::int64_t startTicks;
   };
 
   void MapWindow(Client& client, std::span<std::uint8_t> result);
